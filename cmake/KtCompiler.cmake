@@ -1,0 +1,34 @@
+# What every target of this project is compiled with. Consumers inherit none of it.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+    set(CMAKE_BUILD_TYPE Release)
+endif()
+
+add_library(ktCompiler INTERFACE)
+target_compile_options(ktCompiler INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast -Wnon-virtual-dtor
+    -Woverloaded-virtual -Wcast-align -Wdouble-promotion -Wformat=2
+    # Results must not depend on whether the compiler may fuse a multiplication with an addition.
+    -ffp-contract=off)
+if(KT_WERROR)
+    target_compile_options(ktCompiler INTERFACE -Werror)
+endif()
+if(KT_SANITIZE)
+    target_compile_options(ktCompiler INTERFACE -fsanitize=${KT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(ktCompiler INTERFACE -fsanitize=${KT_SANITIZE})
+endif()
+if(KT_COVERAGE)
+    target_compile_options(ktCompiler INTERFACE --coverage -O0)
+    target_link_options(ktCompiler INTERFACE --coverage)
+endif()
+if(KT_BUILD_FUZZERS)
+    target_compile_options(ktCompiler INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
+set(KT_RPATH_ORIGIN "$ORIGIN/../lib:$ORIGIN")

@@ -1,0 +1,17 @@
+#pragma once
+
+/// @file
+/// Initialisation of libktAnnotation.
+
+#include "platform/annotation/ktAnnotationExport.h"
+
+namespace kt {
+
+/// Initialises the current annotation library, and the system library below it; counted.
+/// @param preloadFonts  open the default font now rather than at the first text.
+KT_ANNOTATION_API void initializeKtAnnotationLibrary(bool preloadFonts);
+
+/// Ends one use of the current annotation library; the last one closes all fonts that no converter holds.
+KT_ANNOTATION_API void terminateKtAnnotationLibrary();
+
+}  // namespace kt

@@ -1,0 +1,36 @@
+#pragma once
+
+/// @file
+/// Access to glyph outlines.
+
+#include "platform/svg/Path.h"
+
+#include <vector>
+
+namespace kt::svg {
+
+class Text;
+
+/// One glyph of a run: an outline, where its origin stands relative to the run's position, and its scale. The outline's
+/// address identifies it: the same glyph of the same font always has the same outline object, so that a writer can
+/// define it once and use it many times. Outlines are in the text item's orientation (y down).
+struct PlacedGlyph {
+    const Path* mOutline = nullptr;
+    Wm4::Vector2<float> mPosition{};
+    float mScale = 1.0F;
+};
+
+/// Something that can give the outlines of a text item: implemented by the text layout, asked by the writer. Outlines
+/// live as long as the source.
+class KT_SVG_API GlyphSource {
+public:
+    GlyphSource() = default;
+    GlyphSource(const GlyphSource&) = delete;
+    GlyphSource& operator=(const GlyphSource&) = delete;
+    virtual ~GlyphSource();
+
+    /// Appends the glyphs of the run in drawing order. Glyphs without ink (blanks) may be left out.
+    virtual void appendGlyphs(const Text& text, std::vector<PlacedGlyph>& glyphs) const = 0;
+};
+
+}  // namespace kt::svg

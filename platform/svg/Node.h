@@ -1,0 +1,34 @@
+#pragma once
+
+/// @file
+/// Group of items.
+
+#include "platform/svg/ItemInterface.h"
+
+#include <memory>
+#include <vector>
+
+namespace kt::svg {
+
+/// A group: its children are drawn in order, later ones on top, in the group's coordinates. Children are shared and
+/// never null. Copying a group shares its children. Destroying a tree of any depth needs constant stack.
+class KT_SVG_API Node final : public ItemInterface {
+public:
+    using Children = std::vector<std::shared_ptr<ItemInterface>>;
+
+    Node() : ItemInterface(Kind::Node) {}
+    Node(const Node&) = default;
+    Node& operator=(const Node&) = default;
+    ~Node() override;
+
+    const Children& getChildren() const { return mChildren; }
+    Children& editChildren() { return mChildren; }
+    void appendChild(std::shared_ptr<ItemInterface> item) { mChildren.push_back(std::move(item)); }
+    /// Puts the item behind everything that the group draws so far.
+    void prependChild(std::shared_ptr<ItemInterface> item) { mChildren.insert(mChildren.begin(), std::move(item)); }
+
+private:
+    Children mChildren;
+};
+
+}  // namespace kt::svg
