@@ -1,0 +1,91 @@
+#pragma once
+
+/// @file
+/// Conversion of legacy views to the current annotation model.
+
+#include "legacy/ktAnnotationInterface.h"
+#include "legacy/ktAnnotationRaster.h"
+#include "legacy/ktAnnotationText.h"
+#include "legacy/ktAnnotationView.h"
+#include "library/ktAnnotationLegacyExport.h"
+#include "platform/annotation/ktCadAnnotation.h"
+#include "platform/annotation/ktCadAnnotationView.h"
+#include "platform/svg/BoundingBox.h"
+#include "platform/svg/Node.h"
+#include "platform/system/ktPointer.h"
+#include "platform/wm4/Wm4Vector2.h"
+#include "platform/wm4/Wm4Vector3.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace kt::text {
+class TextSegmentToSvgConverter;
+}
+
+namespace ktLegacy {
+
+/// Turns legacy annotation views into views of the current model. Construct one, migrate any number of views with it; it
+/// keeps fonts and measured text. One object serves one thread at a time.
+///
+/// Failures are written to the log at type 5 and told by a false result; the first failure ends a view.
+class KT_ANNOTATION_LEGACY_API ktAnnotationMigration {
+public:
+    /// Gives the data of the image with that name; false when there is none. The data is copied into the drawing as it is.
+    using RasterCallback = bool (*)(const std::string& rasterName, std::string& rasterData, void* userData);
+
+    /// Legacy metadata that may be dropped; without the bit, a view or annotation that carries it is refused.
+    enum Flag : int {
+        AcceptViewMetadata = 1,   ///< any metadata of views
+        AcceptKnownMetadata = 2,  ///< metadata of annotations under the well-known keys
+        AcceptOtherMetadata = 4,  ///< metadata of annotations under any other key
+    };
+
+    /// @param flags           Flag bits; others are ignored.
+    /// @param rasterCallback  may be null: then raster annotations fail.
+    /// @param rasterUserData  handed to the callback.
+    /// @param scale           size of leader heads in drawing units.
+    ktAnnotationMigration(int flags, RasterCallback rasterCallback, void* rasterUserData, float scale);
+    ktAnnotationMigration(const ktAnnotationMigration&) = delete;
+    ktAnnotationMigration& operator=(const ktAnnotationMigration&) = delete;
+    ~ktAnnotationMigration();
+
+    /// Converts a whole view. Returns false, creating nothing, when view is null or result already holds a view.
+    bool migrateAnnotationView(const kt::ktPointer<ktAnnotationView>& view, kt::ktPointer<kt::ktCadAnnotationView>& result);
+
+    /// Converts one annotation with its tree of sub-annotations, without its own leaders.
+    /// @param result  receives the new annotation on success, else is left as it is.
+    /// @param box     receives the outline in the annotation's own frame, the frame item included.
+    bool createAnnotationFrame(const ktAnnotationInterface* annotation, kt::ktPointer<kt::ktCadAnnotation>& result,
+                               kt::svg::BoundingBox& box);
+
+    /// Adds leaders to target: a segment and an anchor record each, and a head shape where there is one.
+    /// @param anchor  where the leaders start, in the view's frame.
+    /// @param offset  the same point in target's content.
+    bool createLeaders(const std::vector<ktAnnotationInterface::Leader>& leaders, kt::ktCadAnnotation& target,
+                       const Wm4::Vector3<float>& anchor, const Wm4::Vector2<float>& offset);
+    /// Adds dimension lines, arrow heads and extension lines to target; false at the first measure leader that has no
+    /// direction or whose lines do not meet.
+    bool createMeasureLeaders(const std::vector<ktAnnotationInterface::MeasureLeader>& leaders, kt::ktCadAnnotation& target,
+                              const Wm4::Vector3<float>& anchor, const Wm4::Vector2<float>& offset);
+
+    /// Appends the text as a group to parent. @param colour  of text in the annotation's default properties.
+    bool migrateTextAnnotation(const ktAnnotationText* text, kt::svg::Node& parent,
+                               const Wm4::Vector3<unsigned char>& colour);
+    /// Appends a rectangle and the image to parent.
+    bool migrateRasterAnnotation(const ktAnnotationRaster* raster, kt::svg::Node& parent);
+
+private:
+    int buildAnnotationFrame(int frameCode, const kt::svg::BoundingBox& content, kt::svg::BoundingBox& outline,
+                             kt::svg::Node& root, const Wm4::Vector3<unsigned char>& color,
+                             const Wm4::Vector3<unsigned char>& textColor);
+
+    int mFlags;
+    RasterCallback mRasterCallback;
+    void* mRasterUserData;
+    float mScale;
+    std::unique_ptr<kt::text::TextSegmentToSvgConverter> mTextConverter;
+};
+
+}  // namespace ktLegacy
