@@ -34,9 +34,11 @@ public:
 
     void moveTo(const Wm4::Vector2<float>& point);
     void lineTo(const Wm4::Vector2<float>& point);
-    void cubicTo(const Wm4::Vector2<float>& control1, const Wm4::Vector2<float>& control2, const Wm4::Vector2<float>& end);
+    void cubicTo(const Wm4::Vector2<float>& control1, const Wm4::Vector2<float>& control2,
+                 const Wm4::Vector2<float>& end);
     /// An arc of the ellipse with these radii, as SVG's "A" command; rotation in degrees.
-    void arcTo(const Wm4::Vector2<float>& radii, float rotation, bool isLarge, bool isSweep, const Wm4::Vector2<float>& end);
+    void arcTo(const Wm4::Vector2<float>& radii, float rotation, bool isLarge, bool isSweep,
+               const Wm4::Vector2<float>& end);
     void close();
 
 private:

@@ -27,19 +27,23 @@ public:
 
     /// An open contour of one line.
     void appendLine(const Wm4::Vector2<float>& from, const Wm4::Vector2<float>& to);
-    /// A cubic curve from the contour's last point.
-    void appendCubic(const Wm4::Vector2<float>& control1, const Wm4::Vector2<float>& control2, const Wm4::Vector2<float>& end);
-    /// An arc of an axis-parallel ellipse from startAngle to endAngle (radians, counter-clockwise where y points up) as a
-    /// contour of its own; a full turn or more gives the closed ellipse.
-    void appendEllipse(const Wm4::Vector2<float>& center, const Wm4::Vector2<float>& radii, float startAngle, float endAngle);
+    /// A cubic curve from the contour's last point; from its own first control when the contour has no point yet.
+    void appendCubic(const Wm4::Vector2<float>& control1, const Wm4::Vector2<float>& control2,
+                     const Wm4::Vector2<float>& end);
+    /// An arc of an axis-parallel ellipse from startAngle to endAngle (radians, counter-clockwise where y points up) as
+    /// a contour of its own; a full turn or more gives the closed ellipse.
+    void appendEllipse(const Wm4::Vector2<float>& center, const Wm4::Vector2<float>& radii, float startAngle,
+                       float endAngle);
 
     /// The path built so far; null when there is none. With reset true the path is handed over and the builder is empty
     /// afterwards, otherwise a copy is given and building goes on.
     std::shared_ptr<Path> createPathItem(bool reset);
 
 private:
-    std::shared_ptr<Path> mPath;
-    bool mIsContourStarted = false;
+    Path& editPath();
+
+    std::shared_ptr<Path> mPath;     ///< null while there is nothing in it
+    bool mIsContourStarted = false;  ///< the contour has its first point
 };
 
 }  // namespace kt::svg

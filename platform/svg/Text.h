@@ -12,7 +12,8 @@
 namespace kt::svg {
 
 /// A run of text on one base line in one style, already measured. The position is the start of the base line at the
-/// run's left edge (also for right-to-left text); in the item's own coordinates glyphs rise towards smaller y, as in SVG.
+/// run's left edge (also for right-to-left text); in the item's own coordinates glyphs rise towards smaller y, as in
+/// SVG.
 class KT_SVG_API Text final : public ItemInterface {
 public:
     Text() : ItemInterface(Kind::Text) {}

@@ -25,9 +25,13 @@ struct Transform {
         return {Wm4::Matrix2<float>(cosine, -sine, sine, cosine), offset};
     }
 
-    constexpr Wm4::Vector2<float> operator*(const Wm4::Vector2<float>& point) const { return mMatrix * point + mTranslation; }
+    constexpr Wm4::Vector2<float> operator*(const Wm4::Vector2<float>& point) const {
+        return mMatrix * point + mTranslation;
+    }
     /// The map that applies inner first and this map last.
-    constexpr Transform operator*(const Transform& inner) const { return {mMatrix * inner.mMatrix, *this * inner.mTranslation}; }
+    constexpr Transform operator*(const Transform& inner) const {
+        return {mMatrix * inner.mMatrix, *this * inner.mTranslation};
+    }
 
     constexpr bool operator==(const Transform&) const = default;
 };

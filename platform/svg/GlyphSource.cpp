@@ -1,0 +1,7 @@
+#include "platform/svg/GlyphSource.h"
+
+namespace kt::svg {
+
+GlyphSource::~GlyphSource() = default;
+
+}  // namespace kt::svg

@@ -1,0 +1,7 @@
+#include "platform/svg/Image.h"
+
+namespace kt::svg {
+
+Image::~Image() = default;
+
+}  // namespace kt::svg
