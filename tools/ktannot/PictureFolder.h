@@ -1,0 +1,40 @@
+#pragma once
+
+/// @file
+/// Pictures that raster annotations name.
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace ktannot {
+
+/// Looks pictures up by raster name in a few folders and nowhere else: the name is one path component, the file is
+/// found under it as it is or with a picture suffix, links are not followed, and only regular files whose first bytes
+/// are PNG, JPEG, GIF or WebP count. Found pictures are remembered.
+class PictureFolder {
+public:
+    /// Larger files are not read: no drawing could embed them.
+    static constexpr std::size_t sMaxPictureSize = 64U * 1024 * 1024;
+
+    /// @param folders  searched in this order; folders that do not exist are passed over.
+    explicit PictureFolder(std::vector<std::string> folders) : mFolders(std::move(folders)) {}
+
+    /// The picture as a data URI, null when there is none. Valid as long as the object.
+    const std::string* find(const std::string& rasterName);
+
+    /// A raster callback of the migration; userData is a PictureFolder.
+    static bool provide(const std::string& rasterName, std::string& rasterData, void* userData);
+
+    /// The media type of a picture by its first bytes, empty when it is none of the four kinds.
+    static std::string_view getMediaType(std::string_view bytes);
+
+private:
+    std::string readPicture(const std::string& rasterName) const;
+
+    std::vector<std::string> mFolders;
+    std::map<std::string, std::string> mDataUris;  ///< by raster name; empty: looked for and not found
+};
+
+}  // namespace ktannot
