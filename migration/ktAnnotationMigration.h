@@ -26,13 +26,14 @@ class TextSegmentToSvgConverter;
 
 namespace ktLegacy {
 
-/// Turns legacy annotation views into views of the current model. Construct one, migrate any number of views with it; it
-/// keeps fonts and measured text. One object serves one thread at a time.
+/// Turns legacy annotation views into views of the current model. Construct one, migrate any number of views with it;
+/// it keeps fonts and measured text. One object serves one thread at a time.
 ///
 /// Failures are written to the log at type 5 and told by a false result; the first failure ends a view.
 class KT_ANNOTATION_LEGACY_API ktAnnotationMigration {
 public:
-    /// Gives the data of the image with that name; false when there is none. The data is copied into the drawing as it is.
+    /// Gives the data of the image with that name; false when there is none. The data is copied into the drawing as it
+    /// is.
     using RasterCallback = bool (*)(const std::string& rasterName, std::string& rasterData, void* userData);
 
     /// Legacy metadata that may be dropped; without the bit, a view or annotation that carries it is refused.
@@ -52,7 +53,8 @@ public:
     ~ktAnnotationMigration();
 
     /// Converts a whole view. Returns false, creating nothing, when view is null or result already holds a view.
-    bool migrateAnnotationView(const kt::ktPointer<ktAnnotationView>& view, kt::ktPointer<kt::ktCadAnnotationView>& result);
+    bool migrateAnnotationView(const kt::ktPointer<ktAnnotationView>& view,
+                               kt::ktPointer<kt::ktCadAnnotationView>& result);
 
     /// Converts one annotation with its tree of sub-annotations, without its own leaders.
     /// @param result  receives the new annotation on success, else is left as it is.
@@ -67,8 +69,9 @@ public:
                        const Wm4::Vector3<float>& anchor, const Wm4::Vector2<float>& offset);
     /// Adds dimension lines, arrow heads and extension lines to target; false at the first measure leader that has no
     /// direction or whose lines do not meet.
-    bool createMeasureLeaders(const std::vector<ktAnnotationInterface::MeasureLeader>& leaders, kt::ktCadAnnotation& target,
-                              const Wm4::Vector3<float>& anchor, const Wm4::Vector2<float>& offset);
+    bool createMeasureLeaders(const std::vector<ktAnnotationInterface::MeasureLeader>& leaders,
+                              kt::ktCadAnnotation& target, const Wm4::Vector3<float>& anchor,
+                              const Wm4::Vector2<float>& offset);
 
     /// Appends the text as a group to parent. @param colour  of text in the annotation's default properties.
     bool migrateTextAnnotation(const ktAnnotationText* text, kt::svg::Node& parent,
@@ -77,6 +80,25 @@ public:
     bool migrateRasterAnnotation(const ktAnnotationRaster* raster, kt::svg::Node& parent);
 
 private:
+    struct OpenAnnotation;
+
+    bool convertView(const ktAnnotationView& view, kt::ktCadAnnotationView& result);
+    /// Converts an annotation and its sub-annotations. Walks the tree without recursion, because its depth is the
+    /// caller's choice and the stack is not.
+    /// @param path  empty; receives the annotation alone on success, on failure the ancestors of the one that failed.
+    bool convertTree(const ktAnnotationInterface& annotation, std::vector<OpenAnnotation>& path);
+    /// Converts everything but the sub-annotations.
+    bool convertOwnContent(OpenAnnotation& annotation);
+    bool convertByType(const ktAnnotationInterface& legacy, kt::svg::Node& root,
+                       const Wm4::Vector3<unsigned char>& textColor, Wm4::Vector2<float>& margin);
+    /// Adds a converted sub-annotation with its leaders to its parent.
+    bool attachSubAnnotation(OpenAnnotation& parent, const OpenAnnotation& child);
+    /// Adds the frame item behind everything in root.
+    /// @param frameCode  0 to 14; any other code adds nothing.
+    /// @param content    the centred content with its margin.
+    /// @param outline    receives the box that sub-annotations are placed at.
+    /// @param textColor  not used.
+    /// @return 1 when the item was added, else 0.
     int buildAnnotationFrame(int frameCode, const kt::svg::BoundingBox& content, kt::svg::BoundingBox& outline,
                              kt::svg::Node& root, const Wm4::Vector3<unsigned char>& color,
                              const Wm4::Vector3<unsigned char>& textColor);

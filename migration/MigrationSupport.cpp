@@ -1,0 +1,18 @@
+#include "migration/MigrationSupport_p.h"
+
+namespace ktLegacy::migration {
+
+std::string colorToSvgString(const Wm4::Vector3<unsigned char>& color) {
+    constexpr const char* digits = "0123456789ABCDEF";
+    std::string text(7, '#');
+    for (int component = 0; component < 3; ++component) {
+        const auto position = 1 + 2 * static_cast<std::size_t>(component);
+        text[position] = digits[color[component] >> 4];
+        text[position + 1] = digits[color[component] & 0x0F];
+    }
+    return text;
+}
+
+kt::ktLogObject logFailure() { return {kt::ktLog::Error, nullptr, kt::ktLog::msInstance.load(), nullptr, false}; }
+
+}  // namespace ktLegacy::migration
