@@ -1,0 +1,21 @@
+#pragma once
+
+/// @file
+/// Orderly end on request.
+
+namespace ktannot {
+
+/// While it lives, SIGINT and SIGTERM ask for an end instead of ending the process; a second one ends it at once. One
+/// object at a time.
+class StopSignal {
+public:
+    StopSignal();
+    StopSignal(const StopSignal&) = delete;
+    StopSignal& operator=(const StopSignal&) = delete;
+    ~StopSignal();
+
+    /// The signal that asked for an end, 0 when none did. Safe to call from any thread.
+    static int getPending();
+};
+
+}  // namespace ktannot
