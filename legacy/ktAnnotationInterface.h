@@ -92,12 +92,14 @@ public:
 
         /// Reads one measure leader of a binary stream; the layout follows the stream's version.
         void load(kt::ktBaseStream& stream);
-        /// Reads a measure leader value of a variant document; false rejects the value, what was valid before stays set.
+        /// Reads a measure leader value of a variant document; false rejects the value, what was valid before stays
+        /// set.
         bool loadFromVariant(const kt::ktVariant& value, const kt::ktStreamVersion& version);
 
-        Wm4::Vector3<float> mPointA = Wm4::Vector3<float>::ZERO;          ///< first measured point
-        Wm4::Vector3<float> mPointB = Wm4::Vector3<float>::ZERO;          ///< second measured point
-        Wm4::Vector3<float> mOffsetVector = Wm4::Vector3<float>::UNIT_X;  ///< from the measured points to the dimension line; a vector
+        Wm4::Vector3<float> mPointA = Wm4::Vector3<float>::ZERO;  ///< first measured point
+        Wm4::Vector3<float> mPointB = Wm4::Vector3<float>::ZERO;  ///< second measured point
+        Wm4::Vector3<float> mOffsetVector =
+            Wm4::Vector3<float>::UNIT_X;  ///< from the measured points to the dimension line; a vector
         ArrowDirection mArrowDirection = ArrowsUnspecified;
     };
 
@@ -134,7 +136,8 @@ public:
     void SetName(const std::string& name) override;
     const std::string& GetName() const override;
 
-    /// Reads the annotation's record from a binary stream into this annotation. Problems show in the stream's error flag.
+    /// Reads the annotation's record from a binary stream into this annotation. Problems show in the stream's error
+    /// flag.
     virtual void load(kt::ktBaseStream& stream);
     /// Reads the annotation's map of a variant document into this annotation.
     /// @param version  the document's version.
@@ -159,8 +162,8 @@ public:
     /// Moves leaders, measure leaders and the position by the transformation; offset vectors turn and scale but do not
     /// move. Children, name, colour, flags and metadata stay as they are.
     void transform(const kt::ktGenericTransformation<float>& transformation);
-    /// Makes each measure leader's offset vector reach to the annotation's position: the vector keeps its line and becomes
-    /// the projection of the way from point A to the position. A zero vector stays zero.
+    /// Makes each measure leader's offset vector reach to the annotation's position: the vector keeps its line and
+    /// becomes the projection of the way from point A to the position. A zero vector stays zero.
     void recomputeOffsetVectorLength();
 
     /// The flags byte as the binary record stores it: frame shape in bits 0 to 3, bit 4 as read, then the switches
@@ -173,20 +176,20 @@ public:
     /// Destroys the shared empty list; part of the library's termination.
     static void ClearDummySubAnnots() noexcept;
 
-    std::vector<Leader> mLeaders;                                      ///< in drawing order
-    std::vector<MeasureLeader> mMeasureLeaders;                        ///< in drawing order
-    Wm4::Vector3<float> mPosition = Wm4::Vector3<float>::ZERO;         ///< anchor point of the note
-    Wm4::Vector3<unsigned char> mColor{255, 255, 255};                 ///< red, green, blue
+    std::vector<Leader> mLeaders;                               ///< in drawing order
+    std::vector<MeasureLeader> mMeasureLeaders;                 ///< in drawing order
+    Wm4::Vector3<float> mPosition = Wm4::Vector3<float>::ZERO;  ///< anchor point of the note
+    Wm4::Vector3<unsigned char> mColor{255, 255, 255};          ///< red, green, blue
     std::string mName;
-    kt::ktVariant::ktVariantMapImpl mMetadata;                         ///< free-form key/value pairs
+    kt::ktVariant::ktVariantMapImpl mMetadata;  ///< free-form key/value pairs
 
 private:
-    std::list<SubAnnot>* mSubAnnots = nullptr;                         ///< owned; null until first needed
+    std::list<SubAnnot>* mSubAnnots = nullptr;  ///< owned; null until first needed
 
 public:
-    Type mType;                                                        ///< concrete kind, fixed at construction
+    Type mType;  ///< concrete kind, fixed at construction
     FrameShape mFrameShape : 4;
-    std::uint8_t mReservedFlag : 1;                                    ///< bit 4 of the flags byte: no meaning, kept as read
+    std::uint8_t mReservedFlag : 1;  ///< bit 4 of the flags byte: no meaning, kept as read
     bool mIsIgnoreZTest : 1;
     bool mIsScaleLocked : 1;
     bool mIsFrameLocked : 1;
@@ -198,12 +201,25 @@ protected:
     /// Asks a copy constructor for a copy without the children.
     struct WithoutChildren {};
 
-    /// Copies everything but the kind and the children.
+    /// Copies everything but the children.
     ktAnnotationInterface(const ktAnnotationInterface& other, WithoutChildren);
 
+    /// Gives an annotation without children, as the constructor above leaves it, copies of the other's.
+    void copyChildrenOf(const ktAnnotationInterface& other);
+
+    /// Reads the leader list of a record.
+    void loadLeaders(kt::ktBaseStream& stream);
+    /// Reads position, colour and flags of a record.
+    void loadPlacement(kt::ktBaseStream& stream);
+
 private:
-    void assignMembers(const ktAnnotationInterface& other);
-    void assignChildren(const ktAnnotationInterface& other);
+    static kt::ktPointer<ktAnnotationInterface> copyWithoutChildren(const kt::ktPointer<ktAnnotationInterface>& source);
+    static void releaseSubAnnots(std::list<SubAnnot>* subAnnots) noexcept;
+
+    void loadMeasureLeaders(kt::ktBaseStream& stream);
+    bool loadSubAnnots(kt::ktBaseStream& stream);
+    bool loadSubAnnotsFromVariant(const kt::ktVariant* value, const kt::ktStreamVersion& version,
+                                  std::vector<std::string>& errors);
 };
 
 }  // namespace ktLegacy

@@ -22,8 +22,8 @@ public:
     bool loadFromVariant(const kt::ktVariant::ktVariantMapImpl& map, const kt::ktStreamVersion& version,
                          std::vector<std::string>& errors) override;
 
-    std::string mRasterName;                   ///< handed unchanged to the host's raster callback
-    Wm4::Vector2<float> mSizeEm{1.0F, 1.0F};   ///< width and height of the drawn image, in em
+    std::string mRasterName;                  ///< handed unchanged to the host's raster callback
+    Wm4::Vector2<float> mSizeEm{1.0F, 1.0F};  ///< width and height of the drawn image, in em
 
 private:
     friend class ktAnnotationInterface;

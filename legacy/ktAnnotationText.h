@@ -6,8 +6,10 @@
 #include "legacy/ktAnnotationInterface.h"
 #include "platform/system/ktBlockPool.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace ktLegacy {
@@ -23,7 +25,8 @@ public:
         static constexpr std::uint8_t sStyleItalic = 2;
 
         TextProperties() = default;
-        /// @param heightEm  height in em, stored in hundredths: below 0 as 0, from 655.35 on (and not a number) as 65534,
+        /// @param heightEm  height in em, stored in hundredths: below 0 as 0, from 655.35 on (and not a number) as
+        /// 65534,
         ///                  else cut to a whole hundredth in single precision.
         TextProperties(const std::string& fontName, float heightEm);
 
@@ -39,6 +42,10 @@ public:
         void loadFromVariant(const kt::ktVariant::ktVariantMapImpl& map, const kt::ktStreamVersion& version);
 
         bool operator==(const TextProperties&) const = default;
+
+        /// Properties of single segments are many and small: they come from the block pool.
+        static void* operator new(std::size_t size) { return kt::ktBlockPool::allocate(size); }
+        static void operator delete(void* block, std::size_t size) noexcept { kt::ktBlockPool::release(block, size); }
 
         std::string mFontName = "Arial";  ///< family name
         std::uint16_t mHeight = 100;      ///< character height in hundredths of an em
@@ -85,8 +92,15 @@ public:
         SegmentType mType = Normal;
 
     private:
+        friend class ktAnnotationText;
+
+        /// Replaces the text by bytes, NULs included, cut as setText() does.
+        void assignText(std::string_view text);
+        /// Replaces the text by length bytes of 0 for the caller to fill.
         char* allocateText(std::uint16_t length);
         void releaseText() noexcept;
+        void loadText(kt::ktBaseStream& stream);
+        void loadTextPrior_6_17(kt::ktBaseStream& stream);
     };
 
     using Line = std::vector<TextSegment, kt::ktPoolAllocator<TextSegment>>;
@@ -104,7 +118,8 @@ public:
     /// Replaces the content by plain text: one line with one normal segment for each piece between line ends (CR LF, CR
     /// or LF). An empty text gives one line with one empty segment.
     void setText(const std::string& text);
-    /// Removes empty segments at the edges of every line, then empty lines at the edges of the text. Blanks count as text.
+    /// Removes empty segments at the edges of every line, then empty lines at the edges of the text. Blanks count as
+    /// text.
     void trim(bool leading, bool trailing);
     /// Replaces out by the plain text, lines joined by line feeds.
     void toString(std::string& out) const;
@@ -118,8 +133,9 @@ private:
 
     void loadPrior_6_15(kt::ktBaseStream& stream);
     void loadLines(kt::ktBaseStream& stream);
-    void loadLinesFromVariant(const kt::ktVariant::ktVariantListImpl& lines, const kt::ktStreamVersion& version,
-                              std::vector<std::string>& errors);
+    void loadLinesFromVariant(const kt::ktVariant::ktVariantListImpl& lines, std::vector<std::string>& errors);
+    void loadSegmentFromVariant(const kt::ktVariant::ktVariantMapImpl& map, TextSegment& segment) const;
+    void setPlainText(std::string_view text);
 };
 
 }  // namespace ktLegacy

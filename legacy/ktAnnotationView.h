@@ -11,8 +11,8 @@
 
 namespace ktLegacy {
 
-/// A named group of annotations that lie on one plane of the scene. Normal and axis are kept as given, neither normalised
-/// nor made perpendicular.
+/// A named group of annotations that lie on one plane of the scene. Normal and axis are kept as given, neither
+/// normalised nor made perpendicular.
 ///
 /// The order of the virtual operations and of the data members is part of the binary interface.
 class KT_ANNOTATION_LEGACY_API ktAnnotationView : public kt::ktObject {
@@ -72,10 +72,10 @@ public:
     static void UnRegisterFactory();
 
     std::string mName;
-    Wm4::Vector3<float> mOrigin = Wm4::Vector3<float>::ZERO;            ///< a point of the plane, origin of its frame
-    Wm4::Vector3<float> mNormal = Wm4::Vector3<float>::UNIT_Z;          ///< z axis of the frame
-    Wm4::Vector3<float> mAxis = Wm4::Vector3<float>::UNIT_X;            ///< x axis of the frame
-    std::vector<kt::ktPointer<ktAnnotationInterface>> mAnnotations;     ///< in order; entries may be null
+    Wm4::Vector3<float> mOrigin = Wm4::Vector3<float>::ZERO;         ///< a point of the plane, origin of its frame
+    Wm4::Vector3<float> mNormal = Wm4::Vector3<float>::UNIT_Z;       ///< z axis of the frame
+    Wm4::Vector3<float> mAxis = Wm4::Vector3<float>::UNIT_X;         ///< x axis of the frame
+    std::vector<kt::ktPointer<ktAnnotationInterface>> mAnnotations;  ///< in order; entries may be null
     kt::ktVariant::ktVariantMapImpl mMetadata;
 };
 

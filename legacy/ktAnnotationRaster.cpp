@@ -1,0 +1,72 @@
+#include "legacy/ktAnnotationRaster.h"
+
+#include "legacy/StreamReading_p.h"
+#include "legacy/VariantReading_p.h"
+#include "legacy/ktLegacyVersions.h"
+#include "platform/system/ktBaseStream.h"
+
+namespace ktLegacy {
+
+ktAnnotationRaster::ktAnnotationRaster() : ktAnnotationInterface(Raster) {}
+
+ktAnnotationRaster::ktAnnotationRaster(const ktAnnotationRaster& other, WithoutChildren tag)
+    : ktAnnotationInterface(other, tag), mRasterName(other.mRasterName), mSizeEm(other.mSizeEm) {
+    mType = Raster;
+}
+
+ktAnnotationRaster::ktAnnotationRaster(const ktAnnotationRaster& other) : ktAnnotationRaster(other, WithoutChildren{}) {
+    copyChildrenOf(other);
+}
+
+ktAnnotationRaster& ktAnnotationRaster::operator=(const ktAnnotationRaster& other) {
+    if (&other == this) {
+        return *this;
+    }
+    // The base goes last: with it goes the tree that the other may be a part of.
+    mRasterName = other.mRasterName;
+    mSizeEm = other.mSizeEm;
+    ktAnnotationInterface::operator=(other);
+    return *this;
+}
+
+ktAnnotationRaster::~ktAnnotationRaster() = default;
+
+void ktAnnotationRaster::load(kt::ktBaseStream& stream) {
+    if (stream.GetVersion() < version::s6_15) {
+        stream.setStreamError();
+        return;
+    }
+    ktAnnotationInterface::load(stream);
+    reading::readText(stream, mRasterName);
+    static_assert(sizeof(mSizeEm) == 2 * sizeof(float));
+    mSizeEm = Wm4::Vector2<float>::ZERO;
+    stream.readle(4, 2, &mSizeEm);
+}
+
+bool ktAnnotationRaster::loadFromVariant(const kt::ktVariant::ktVariantMapImpl& map, const kt::ktStreamVersion& version,
+                                         std::vector<std::string>& errors) {
+    if (!ktAnnotationInterface::loadFromVariant(map, version, errors)) {
+        return false;
+    }
+    if (version < version::s6_17) {
+        errors.emplace_back("invalid version for text annotation");  // the word is intended: both kinds share the text
+        return false;
+    }
+    const auto [rasterName, size] = reading::findKeys<2>(map, {"rastername", "sizeem"});
+    if (size != nullptr) {
+        const reading::VariantList* list = size->getList();
+        if (list == nullptr) {
+            errors.emplace_back("invalid 'sizeem' field");
+            return false;
+        }
+        if (list->size() != 2) {
+            errors.emplace_back("invalid 'sizeem' length");
+            return false;
+        }
+        mSizeEm = {reading::toFloat((*list)[0]), reading::toFloat((*list)[1])};
+    }
+    mRasterName = reading::VariantText(rasterName).get();
+    return true;
+}
+
+}  // namespace ktLegacy

@@ -1,0 +1,430 @@
+#include "legacy/ktAnnotationText.h"
+
+#include "legacy/StreamReading_p.h"
+#include "legacy/VariantReading_p.h"
+#include "legacy/ktLegacyVersions.h"
+#include "platform/system/ktBaseStream.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <limits>
+#include <utility>
+
+namespace ktLegacy {
+
+namespace {
+
+using TextProperties = ktAnnotationText::TextProperties;
+using TextSegment = ktAnnotationText::TextSegment;
+using SegmentType = TextSegment::SegmentType;
+
+constexpr std::size_t sMaxSegmentLength = std::numeric_limits<std::uint16_t>::max();
+
+constexpr std::array<reading::Word<SegmentType>, 2> sSegmentTypeWords{{
+    {"sub", SegmentType::Subscript},
+    {"sup", SegmentType::Superscript},
+}};
+
+/// Hundredths of an em as they are stored.
+std::uint16_t toStoredHeight(float heightEm) {
+    // Not the same as "heightEm >= 655.35F": a NaN goes here, too. That the largest result is 65534 is intended.
+    if (!(655.35F > heightEm)) {
+        return 65534;
+    }
+    return heightEm < 0.0F ? std::uint16_t{0} : static_cast<std::uint16_t>(heightEm * 100.0F);
+}
+
+std::uint8_t replaceBit(std::uint8_t bits, std::uint8_t bit, const kt::ktVariant* value) {
+    if (value == nullptr) {
+        return bits;
+    }
+    return static_cast<std::uint8_t>(value->toBool() ? bits | bit : bits & ~bit);
+}
+
+/// Values of the keys of text properties, null where absent.
+struct PropertyValues {
+    const kt::ktVariant* mHeight;
+    const kt::ktVariant* mBold;
+    const kt::ktVariant* mItalic;
+    const kt::ktVariant* mFont;
+};
+
+/// What a map makes of text properties, without copies of the texts.
+class DerivedProperties {
+public:
+    DerivedProperties(const TextProperties& base, const PropertyValues& values)
+        : mConvertedFont(values.mFont),
+          mFontName(values.mFont != nullptr ? mConvertedFont.get() : std::string_view(base.mFontName)),
+          // Without a height the present one is converted again, which may lower it by one. That is intended.
+          mHeight(toStoredHeight(values.mHeight != nullptr ? reading::toFloat(*values.mHeight) : base.getHeightEm())),
+          mStyle(replaceBit(replaceBit(base.mStyle, TextProperties::sStyleBold, values.mBold),
+                            TextProperties::sStyleItalic, values.mItalic)) {}
+
+    bool isEqual(const TextProperties& properties) const {
+        return mHeight == properties.mHeight && mStyle == properties.mStyle && mFontName == properties.mFontName;
+    }
+
+    /// Stores all but the reserved byte, which maps do not hold.
+    void store(TextProperties& properties) const {
+        if (properties.mFontName != mFontName) {
+            properties.mFontName = mFontName;
+        }
+        properties.mHeight = mHeight;
+        properties.mStyle = mStyle;
+    }
+
+private:
+    reading::VariantText mConvertedFont;
+    std::string_view mFontName;
+    std::uint16_t mHeight;
+    std::uint8_t mStyle;
+};
+
+/// Removes what is empty at the edges of a sequence.
+template <typename Sequence, typename IsEmpty>
+void trimSequence(Sequence& sequence, bool leading, bool trailing, IsEmpty isEmpty) {
+    if (trailing) {
+        const auto last = std::find_if_not(sequence.rbegin(), sequence.rend(), isEmpty);
+        sequence.erase(last.base(), sequence.end());
+    }
+    if (leading) {
+        sequence.erase(sequence.begin(), std::find_if_not(sequence.begin(), sequence.end(), isEmpty));
+    }
+}
+
+}  // namespace
+
+// Text properties
+
+ktAnnotationText::TextProperties::TextProperties(const std::string& fontName, float heightEm)
+    : mFontName(fontName), mHeight(toStoredHeight(heightEm)) {}
+
+void ktAnnotationText::TextProperties::setHeightEm(float heightEm) { mHeight = toStoredHeight(heightEm); }
+
+void ktAnnotationText::TextProperties::load(kt::ktBaseStream& stream) {
+    struct Group {
+        std::uint16_t mHeight;
+        std::uint8_t mStyle;
+        std::uint8_t mReserved;
+    };
+    static_assert(sizeof(Group) == 4);
+    reading::readText(stream, mFontName);
+    Group group{};
+    stream.readle(4, 1, &group);
+    mHeight = group.mHeight;
+    mStyle = group.mStyle;
+    mReserved = group.mReserved;
+}
+
+void ktAnnotationText::TextProperties::loadFromVariant(const kt::ktVariant::ktVariantMapImpl& map,
+                                                       const kt::ktStreamVersion& /*version*/) {
+    const auto [bold, font, height, italic] = reading::findKeys<4>(map, {"bold", "font", "heightem", "italic"});
+    DerivedProperties(*this, {height, bold, italic, font}).store(*this);
+}
+
+// Text segments
+
+ktAnnotationText::TextSegment::TextSegment(const char* text, SegmentType type) : TextSegment() {
+    mType = type;
+    setText(text, 0);
+}
+
+ktAnnotationText::TextSegment::TextSegment(const std::string& text, SegmentType type) : TextSegment() {
+    mType = type;
+    assignText(text);
+}
+
+// The delegation makes this a whole object first: if copying throws, the destructor releases what there is.
+ktAnnotationText::TextSegment::TextSegment(const TextSegment& other) : TextSegment() {
+    mType = other.mType;
+    setText(other.mText, 0);
+    if (other.mProperties != nullptr) {
+        mProperties = new TextProperties(*other.mProperties);
+    }
+}
+
+ktAnnotationText::TextSegment::TextSegment(TextSegment&& other) noexcept
+    : mText(std::exchange(other.mText, nullptr)),
+      mProperties(std::exchange(other.mProperties, nullptr)),
+      mLength(std::exchange(other.mLength, std::uint16_t{0})),
+      mType(other.mType) {}
+
+ktAnnotationText::TextSegment& ktAnnotationText::TextSegment::operator=(const TextSegment& other) {
+    if (&other != this) {
+        *this = TextSegment(other);
+    }
+    return *this;
+}
+
+ktAnnotationText::TextSegment& ktAnnotationText::TextSegment::operator=(TextSegment&& other) noexcept {
+    if (&other != this) {
+        releaseText();
+        clearTextProperties();
+        mText = std::exchange(other.mText, nullptr);
+        mProperties = std::exchange(other.mProperties, nullptr);
+        mLength = std::exchange(other.mLength, std::uint16_t{0});
+        mType = other.mType;
+    }
+    return *this;
+}
+
+ktAnnotationText::TextSegment::~TextSegment() {
+    releaseText();
+    delete mProperties;
+}
+
+void ktAnnotationText::TextSegment::setText(const char* text, unsigned long length) {
+    if (text == nullptr) {
+        releaseText();
+        return;
+    }
+    assignText({text, length != 0 ? length : std::strlen(text)});
+}
+
+void ktAnnotationText::TextSegment::setText(const std::string& text) { assignText(text); }
+
+void ktAnnotationText::TextSegment::assignText(std::string_view text) {
+    const auto length = static_cast<std::uint16_t>(std::min(text.size(), sMaxSegmentLength));
+    // The text may be a part of the segment's own: the old one is released last.
+    TextSegment old;
+    old.mText = std::exchange(mText, nullptr);
+    old.mLength = std::exchange(mLength, std::uint16_t{0});
+    if (length != 0) {
+        std::memcpy(allocateText(length), text.data(), length);
+    }
+}
+
+char* ktAnnotationText::TextSegment::allocateText(std::uint16_t length) {
+    releaseText();
+    mText = static_cast<char*>(kt::ktBlockPool::allocate(std::size_t{length} + 1));
+    mText[length] = '\0';
+    mLength = length;
+    return mText;
+}
+
+void ktAnnotationText::TextSegment::releaseText() noexcept {
+    if (mText != nullptr) {
+        kt::ktBlockPool::release(mText, std::size_t{mLength} + 1);
+        mText = nullptr;
+        mLength = 0;
+    }
+}
+
+void ktAnnotationText::TextSegment::setTextProperties(const TextProperties& properties) {
+    if (mProperties != nullptr) {
+        *mProperties = properties;
+    } else {
+        mProperties = new TextProperties(properties);
+    }
+}
+
+void ktAnnotationText::TextSegment::clearTextProperties() {
+    delete mProperties;
+    mProperties = nullptr;
+}
+
+float ktAnnotationText::TextSegment::GetFontScaleFactor(SegmentType type) { return type == Normal ? 1.0F : 0.63F; }
+
+void ktAnnotationText::TextSegment::load(kt::ktBaseStream& stream) {
+    clearTextProperties();
+    releaseText();
+    if (stream.GetVersion() >= version::s6_17) {
+        loadText(stream);
+        std::uint8_t type = mType;
+        stream.readByte(type);
+        mType = static_cast<SegmentType>(type);
+    } else {
+        loadTextPrior_6_17(stream);
+        mType = Normal;
+    }
+    std::uint8_t hasProperties = 0;
+    stream.readByte(hasProperties);
+    if (hasProperties != 0) {
+        stream.chargeMemory(1, sizeof(TextProperties));
+        mProperties = new TextProperties;
+        mProperties->load(stream);
+    }
+}
+
+void ktAnnotationText::TextSegment::loadText(kt::ktBaseStream& stream) {
+    std::uint16_t length = 0;
+    stream.readle(2, 1, &length);
+    if (length != 0) {
+        stream.chargeMemory(std::uint64_t{length} + 1, 1);
+        char* text = allocateText(length);
+        std::memset(text, 0, length);
+        reading::readBytes(stream, text, length);
+    }
+}
+
+void ktAnnotationText::TextSegment::loadTextPrior_6_17(kt::ktBaseStream& stream) {
+    std::string text;
+    reading::readText(stream, text);
+    stream.chargeMemory(std::min(text.size(), sMaxSegmentLength) + 1, 1);
+    assignText(text);
+}
+
+// Text annotations
+
+ktAnnotationText::ktAnnotationText() : ktAnnotationInterface(Text) {}
+
+ktAnnotationText::ktAnnotationText(const ktAnnotationText& other, WithoutChildren tag)
+    : ktAnnotationInterface(other, tag), mDefaultTextProperties(other.mDefaultTextProperties), mLines(other.mLines) {
+    mType = Text;
+}
+
+ktAnnotationText::ktAnnotationText(const ktAnnotationText& other) : ktAnnotationText(other, WithoutChildren{}) {
+    copyChildrenOf(other);
+}
+
+ktAnnotationText& ktAnnotationText::operator=(const ktAnnotationText& other) {
+    if (&other == this) {
+        return *this;
+    }
+    // The base goes last: with it goes the tree that the other may be a part of.
+    Lines lines(other.mLines);
+    mDefaultTextProperties = other.mDefaultTextProperties;
+    mLines.swap(lines);
+    ktAnnotationInterface::operator=(other);
+    return *this;
+}
+
+ktAnnotationText::~ktAnnotationText() = default;
+
+void ktAnnotationText::setText(const std::string& text) { setPlainText(text); }
+
+void ktAnnotationText::setPlainText(std::string_view text) {
+    Lines lines;
+    std::size_t begin = 0;
+    while (true) {
+        const std::size_t end = std::min(text.find_first_of("\r\n", begin), text.size());
+        lines.emplace_back().emplace_back().assignText(text.substr(begin, end - begin));
+        if (end == text.size()) {
+            break;
+        }
+        const bool isPair = text.substr(end).starts_with("\r\n");
+        begin = end + (isPair ? 2 : 1);
+    }
+    mLines.swap(lines);
+}
+
+void ktAnnotationText::trim(bool leading, bool trailing) {
+    for (Line& line : mLines) {
+        trimSequence(line, leading, trailing, [](const TextSegment& segment) { return segment.mLength == 0; });
+    }
+    trimSequence(mLines, leading, trailing, [](const Line& line) { return line.empty(); });
+}
+
+void ktAnnotationText::toString(std::string& out) const {
+    out.clear();
+    for (const Line& line : mLines) {
+        if (&line != &mLines.front()) {
+            out += '\n';
+        }
+        for (const TextSegment& segment : line) {
+            out.append(segment.getText(), segment.mLength);
+        }
+    }
+}
+
+// Binary records
+
+void ktAnnotationText::load(kt::ktBaseStream& stream) {
+    if (stream.GetVersion() < version::s6_15) {
+        loadPrior_6_15(stream);
+        return;
+    }
+    ktAnnotationInterface::load(stream);
+    mDefaultTextProperties.load(stream);
+    loadLines(stream);
+}
+
+void ktAnnotationText::loadPrior_6_15(kt::ktBaseStream& stream) {
+    const bool isWholeRecord = stream.GetVersion() >= version::s6_14;
+    if (isWholeRecord) {
+        reading::readText(stream, mName);
+    }
+    mDefaultTextProperties.load(stream);
+    loadLeaders(stream);
+    loadLines(stream);
+    loadPlacement(stream);
+    if (!isWholeRecord) {
+        // Before 6.14 the byte only told whether there is a frame.
+        setFlags(getFlags() != 0 ? FrameRectangle : FrameNone);
+    }
+}
+
+void ktAnnotationText::loadLines(kt::ktBaseStream& stream) {
+    reading::resizeList(stream, mLines, reading::readCount(stream));
+    for (Line& line : mLines) {
+        reading::resizeList(stream, line, reading::readCount(stream));
+        for (TextSegment& segment : line) {
+            segment.load(stream);
+        }
+    }
+}
+
+// Maps of variant documents
+
+bool ktAnnotationText::loadFromVariant(const kt::ktVariant::ktVariantMapImpl& map, const kt::ktStreamVersion& version,
+                                       std::vector<std::string>& errors) {
+    if (!ktAnnotationInterface::loadFromVariant(map, version, errors)) {
+        return false;
+    }
+    if (version < version::s6_17) {
+        errors.emplace_back("invalid version for text annotation");
+        return false;
+    }
+    const auto [defaults, lines, text] = reading::findKeys<3>(map, {"defaulttextprop", "lines", "text"});
+    if (defaults != nullptr) {
+        const reading::VariantMap* properties = defaults->getMap();
+        if (properties != nullptr) {
+            mDefaultTextProperties.loadFromVariant(*properties, version);
+        } else {
+            errors.emplace_back("invalid 'defaulttextprop' field");
+        }
+    }
+    if (const reading::VariantList* list = reading::getList(lines); list != nullptr) {
+        loadLinesFromVariant(*list, errors);
+    } else {
+        setPlainText(reading::VariantText(text).get());
+    }
+    return true;
+}
+
+void ktAnnotationText::loadLinesFromVariant(const kt::ktVariant::ktVariantListImpl& lines,
+                                            std::vector<std::string>& errors) {
+    mLines.reserve(mLines.size() + lines.size());
+    for (const kt::ktVariant& item : lines) {
+        const reading::VariantList* segments = item.getList();
+        if (segments == nullptr) {
+            errors.emplace_back("invalid line");
+            continue;
+        }
+        Line& line = mLines.emplace_back();
+        line.reserve(segments->size());
+        for (const kt::ktVariant& segment : *segments) {
+            const reading::VariantMap* map = segment.getMap();
+            if (map != nullptr) {
+                loadSegmentFromVariant(*map, line.emplace_back());
+            } else {
+                errors.emplace_back("invalid segment");
+            }
+        }
+    }
+}
+
+void ktAnnotationText::loadSegmentFromVariant(const kt::ktVariant::ktVariantMapImpl& map, TextSegment& segment) const {
+    const auto [bold, font, height, italic, text, type] =
+        reading::findKeys<6>(map, {"bold", "font", "heightem", "italic", "text", "type"});
+    segment.assignText(reading::VariantText(text).get());
+    const DerivedProperties properties(mDefaultTextProperties, {height, bold, italic, font});
+    if (!properties.isEqual(mDefaultTextProperties)) {
+        segment.setTextProperties(mDefaultTextProperties);
+        properties.store(*segment.mProperties);
+    }
+    segment.mType = reading::readWord(reading::VariantText(type).get(), sSegmentTypeWords, SegmentType::Normal);
+}
+
+}  // namespace ktLegacy
