@@ -6,6 +6,7 @@
 #include "platform/svg/Transform.h"
 #include "platform/wm4/Wm4Vector2.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace kt::svg {
@@ -38,8 +39,12 @@ struct Affine {
         const double sum = 0.0 * mXx + 0.0 * mXy + 0.0 * mYx + 0.0 * mYy + 0.0 * mX + 0.0 * mY;
         return sum == 0.0;
     }
-    /// A bound on how much longer a vector gets, at most the square root of 2 above the true one.
-    double getScaleBound() const { return std::sqrt(mXx * mXx + mXy * mXy + mYx * mYx + mYy * mYy); }
+    /// How much longer a vector gets at most: the larger singular value.
+    double getScale() const {
+        const double sum = mXx * mXx + mXy * mXy + mYx * mYx + mYy * mYy;
+        const double determinant = mXx * mYy - mXy * mYx;
+        return std::sqrt(0.5 * (sum + std::sqrt(std::max(0.0, (sum - 2.0 * determinant) * (sum + 2.0 * determinant)))));
+    }
 
     double mXx = 1.0;
     double mXy = 0.0;

@@ -1,0 +1,56 @@
+#include "platform/svg/ComputeEstimatedBoundingBox.h"
+#include "platform/svg/GlyphDefinitions_p.h"
+#include "platform/svg/NumberFormat_p.h"
+#include "platform/svg/PathData_p.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace kt::svg {
+
+namespace {
+
+/// Outlines are written to this part of their size, so that even large letters keep their shape.
+constexpr int sSignificantDecimals = 5;
+
+int getDecimals(const Path& outline) {
+    const BoundingBox box = ComputeEstimatedBoundingBox(outline);
+    const double size = static_cast<double>(std::max(box.getWidth(), box.getHeight()));
+    if (!(size > 0.0)) {
+        return sMaxDecimals;
+    }
+    return std::clamp(sSignificantDecimals - static_cast<int>(std::floor(std::log10(size))), 0, sMaxDecimals);
+}
+
+}  // namespace
+
+bool GlyphDefinitions::isReserved(std::string_view id) {
+    return id.size() > 1 && id.front() == 'g' && id.find_first_not_of("0123456789", 1) == std::string_view::npos;
+}
+
+unsigned GlyphDefinitions::define(const Path& outline) {
+    if (outline.isEmpty() || !isFinite(outline)) {
+        return 0;
+    }
+    const auto [entry, isNew] = mNumbers.try_emplace(&outline, static_cast<unsigned>(mNumbers.size()) + 1);
+    if (isNew) {
+        mBuffer.append("<path id=\"g");
+        mBuffer.append(std::to_string(entry->second));
+        mBuffer.append("\" d=\"");
+        appendPathData(mBuffer, outline, 0.0, 0.0, getDecimals(outline));
+        mBuffer.append("\"/>\n");
+    }
+    return entry->second;
+}
+
+std::string GlyphDefinitions::takeElement() {
+    mBuffer.flush();
+    if (mText.empty()) {
+        return {};
+    }
+    mText.insert(0, "<defs>\n");
+    mText.append("</defs>\n");
+    return std::move(mText);
+}
+
+}  // namespace kt::svg

@@ -1,0 +1,426 @@
+#include "platform/svg/Image.h"
+#include "platform/svg/ItemWriter_p.h"
+#include "platform/svg/NumberFormat_p.h"
+#include "platform/svg/PathData_p.h"
+#include "platform/svg/Picture_p.h"
+#include "platform/svg/Rect.h"
+#include "platform/svg/Text.h"
+#include "platform/svg/XmlText_p.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace kt::svg {
+
+namespace {
+
+constexpr std::string_view sNone = "none";
+constexpr std::string_view sNotFinite = "a number is not finite";
+/// Room for a literal and four numbers.
+constexpr std::size_t sNumbersSize = 512;
+/// Longer ids, classes and family names are nobody's.
+constexpr std::size_t sMaxNameSize = 1000;
+
+bool isHexDigit(char character) {
+    return (character >= '0' && character <= '9') || (character >= 'A' && character <= 'F') ||
+           (character >= 'a' && character <= 'f');
+}
+
+bool isLetter(char character) {
+    return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z');
+}
+
+/// "#" and hexadecimal digits, or a word such as "none": nothing that could refer to anything.
+bool isColor(std::string_view text) {
+    constexpr std::size_t maxWordSize = 32;
+    if (text.starts_with('#')) {
+        const std::string_view digits = text.substr(1);
+        return (digits.size() == 6 || digits.size() == 3) && std::all_of(digits.begin(), digits.end(), isHexDigit);
+    }
+    return !text.empty() && text.size() <= maxWordSize && std::all_of(text.begin(), text.end(), isLetter);
+}
+
+bool isFinite(const Wm4::Vector2<float>& a) { return std::isfinite(a.x) && std::isfinite(a.y); }
+
+std::string_view getName(ItemInterface::Kind kind) {
+    switch (kind) {
+        case ItemInterface::Kind::Rect:
+            return "a rectangle";
+        case ItemInterface::Kind::Image:
+            return "an image";
+        case ItemInterface::Kind::Path:
+            return "a path";
+        case ItemInterface::Kind::Text:
+            return "a text";
+        case ItemInterface::Kind::Node:
+            break;
+    }
+    return "a group";
+}
+
+/// Decimals that keep coordinates within their tolerance when they are scaled so.
+int getDecimals(double scale) {
+    if (scale == 1.0) {
+        return sCoordinateDecimals;
+    }
+    // Rotations have a scale of 1 with the rounding of their sine and cosine.
+    constexpr double rounding = 1e-6;
+    const double digits = std::ceil(std::log10(scale) - rounding);
+    return sCoordinateDecimals + static_cast<int>(std::clamp(digits, -3.0, 20.0));
+}
+
+char* putNumber(char* out, double value, int decimals) {
+    return decimals == sCoordinateDecimals ? formatCoordinate(out, value) : formatNumber(out, value, decimals);
+}
+
+/// The family as a quoted CSS string with a generic family to fall back on.
+std::string makeFontFamily(std::string_view font) {
+    std::string family;
+    for (const char character : cutUtf8(font, sMaxNameSize)) {
+        if (character == '\'' || character == '\\') {
+            family.push_back('\\');
+        }
+        const bool isControl = static_cast<unsigned char>(character) < 0x20;
+        family.push_back(isControl ? ' ' : character);
+    }
+    return family.empty() ? "sans-serif" : "'" + family + "',sans-serif";
+}
+
+}  // namespace
+
+bool SvgWriter::isWritable(const ItemInterface& item) {
+    if (item.getTransform() && !Affine(*item.getTransform()).isFinite()) {
+        return false;
+    }
+    switch (item.getKind()) {
+        case ItemInterface::Kind::Node:
+            return true;
+        case ItemInterface::Kind::Rect: {
+            const auto& rect = static_cast<const Rect&>(item);
+            return isFinite(rect.getPosition()) && isFinite(rect.getSize());
+        }
+        case ItemInterface::Kind::Image: {
+            const auto& image = static_cast<const Image&>(item);
+            return isFinite(image.getPosition()) && isFinite(image.getSize());
+        }
+        case ItemInterface::Kind::Path:
+            return svg::isFinite(static_cast<const Path&>(item));
+        case ItemInterface::Kind::Text: {
+            const auto& text = static_cast<const Text&>(item);
+            return isFinite(text.getPosition()) && std::isfinite(text.getSize()) && std::isfinite(text.getLength());
+        }
+    }
+    return false;
+}
+
+ItemWriter::ItemWriter(std::string& output, const SvgWriter::Options& options)
+    : mBuffer(output), mTextMode(options.mTextMode), mFixedLineWidth(" stroke-width=\"") {
+    // A width that does not scale is meant in pixels of the screen, 96 to an inch, whatever the drawing's unit is.
+    constexpr double pixelsPerMillimetre = 96.0 / 25.4;
+    char number[sMaxNumberLength];
+    char* const end = formatCoordinate(number, static_cast<double>(options.mLineWidth) * pixelsPerMillimetre);
+    mFixedLineWidth.append(number, end).push_back('"');
+}
+
+void ItemWriter::warn(std::string_view item, std::string_view problem) {
+    std::string& warning = mWarnings.emplace_back(item);
+    warning.append(" was left out: ").append(problem);
+}
+
+Paint ItemWriter::getPaint(const ItemInterface& item, const Paint& inherited) {
+    Paint paint = inherited;
+    const auto choose = [this](const std::optional<std::string>& own, std::string_view& color) {
+        if (own && isColor(*own)) {
+            color = *own;
+        } else if (own) {
+            warn("a colour", "it is neither a word nor #RRGGBB");
+        }
+    };
+    choose(item.getColor(), paint.mColor);
+    choose(item.getOutlineColor(), paint.mOutlineColor);
+    return paint;
+}
+
+ItemWriter::Placement ItemWriter::place(const Affine& map, double outerScale) {
+    if (map.isTranslation()) {
+        return {map.mX, map.mY, getDecimals(outerScale), false};
+    }
+    return {0.0, 0.0, getDecimals(outerScale * map.getScale()), true};
+}
+
+void ItemWriter::appendTransform(const Affine& map, double outerScale) {
+    const int decimals = getDecimals(outerScale);
+    char* out = mBuffer.reserve(sNumbersSize);
+    if (map.isTranslation()) {
+        out = putLiteral(out, " transform=\"translate(");
+    } else {
+        out = putLiteral(out, " transform=\"matrix(");
+        for (const double factor : {map.mXx, map.mYx, map.mXy, map.mYy}) {
+            out = formatFactor(out, factor);
+            *out++ = ' ';
+        }
+    }
+    out = putNumber(out, map.mX, decimals);
+    *out++ = ' ';
+    out = putNumber(out, map.mY, decimals);
+    mBuffer.commit(putLiteral(out, ")\""));
+}
+
+void ItemWriter::appendPaint(const Paint& paint, const Paint& written) {
+    char* out = mBuffer.reserve(sNumbersSize);
+    if (paint.mColor != written.mColor) {
+        out = putLiteral(out, " fill=\"");
+        out = putText(out, paint.mColor);
+        *out++ = '"';
+    }
+    if (paint.mOutlineColor != written.mOutlineColor) {
+        out = putLiteral(out, " stroke=\"");
+        out = putText(out, paint.mOutlineColor);
+        *out++ = '"';
+    }
+    mBuffer.commit(out);
+}
+
+void ItemWriter::appendNames(const ItemInterface& item) {
+    const auto& id = item.getId();
+    const bool isTaken = id && mTextMode == SvgWriter::TextMode::Outlines && GlyphDefinitions::isReserved(*id);
+    if (id && !id->empty() && id->size() <= sMaxNameSize && !isTaken && mIds.insert(*id).second) {
+        mBuffer.append(" id=\"");
+        appendXmlText(mBuffer, *id, XmlContext::Attribute);
+        mBuffer.append("\"");
+    }
+    const auto& classText = item.getClass();
+    if (classText && !classText->empty() && classText->size() <= sMaxNameSize) {
+        mBuffer.append(" class=\"");
+        appendXmlText(mBuffer, *classText, XmlContext::Attribute);
+        mBuffer.append("\"");
+    }
+}
+
+void ItemWriter::appendTitle(std::string_view title) {
+    if (!title.empty()) {
+        mBuffer.append("<title>");
+        appendXmlText(mBuffer, cutUtf8(title, SvgWriter::sMaxTitleSize), XmlContext::Content);
+        mBuffer.append("</title>\n");
+    }
+}
+
+void ItemWriter::appendOutlineStyle(const ItemInterface& item, const Paint& paint) {
+    if (item.getStyleOption() == ItemInterface::sStyleNonScalingStroke) {
+        mBuffer.append(" vector-effect=\"non-scaling-stroke\"");
+        if (paint.mOutlineColor != sNone) {
+            mBuffer.append(mFixedLineWidth);
+        }
+    }
+}
+
+void ItemWriter::appendCommon(const ItemInterface& item, const Affine& map, const Placement& placement,
+                              const Paint& paint, const WriteContext& context) {
+    if (placement.mIsTransformed) {
+        appendTransform(map, context.mScale);
+    }
+    appendPaint(paint, context.mWritten);
+    if (item.getId() || item.getClass()) {
+        appendNames(item);
+    }
+}
+
+void ItemWriter::writeItem(const ItemInterface& item, const WriteContext& context) {
+    const Affine map = item.getTransform() ? context.mMap * Affine(*item.getTransform()) : context.mMap;
+    if (!SvgWriter::isWritable(item) || !map.isFinite()) {
+        warn(getName(item.getKind()), sNotFinite);
+        return;
+    }
+    const std::size_t start = mBuffer.getSize();
+    switch (item.getKind()) {
+        case ItemInterface::Kind::Rect:
+            writeRect(static_cast<const Rect&>(item), map, context);
+            break;
+        case ItemInterface::Kind::Image:
+            writeImage(static_cast<const Image&>(item), map, context);
+            break;
+        case ItemInterface::Kind::Path:
+            writePath(static_cast<const Path&>(item), map, context);
+            break;
+        case ItemInterface::Kind::Text:
+            writeText(static_cast<const Text&>(item), map, context);
+            break;
+        case ItemInterface::Kind::Node:
+            break;
+    }
+    if (mBuffer.getSize() - start > SvgWriter::sMaxElementSize) {
+        mBuffer.truncate(start);
+        warn(getName(item.getKind()), "it is longer than 10,000,000 bytes");
+    }
+}
+
+void ItemWriter::appendBox(std::string_view start, const Wm4::Vector2<float>& position, const Wm4::Vector2<float>& size,
+                           const Placement& placement) {
+    const auto lower = [](float origin, float extent) {
+        return std::min(static_cast<double>(origin), static_cast<double>(origin) + static_cast<double>(extent));
+    };
+    char* out = putText(mBuffer.reserve(sNumbersSize), start);
+    out = putLiteral(out, " x=\"");
+    out = putNumber(out, lower(position.x, size.x) + placement.mX, placement.mDecimals);
+    out = putLiteral(out, "\" y=\"");
+    out = putNumber(out, lower(position.y, size.y) + placement.mY, placement.mDecimals);
+    out = putLiteral(out, "\" width=\"");
+    out = putNumber(out, std::abs(static_cast<double>(size.x)), placement.mDecimals);
+    out = putLiteral(out, "\" height=\"");
+    out = putNumber(out, std::abs(static_cast<double>(size.y)), placement.mDecimals);
+    *out++ = '"';
+    mBuffer.commit(out);
+}
+
+void ItemWriter::writeRect(const Rect& rect, const Affine& map, const WriteContext& context) {
+    if (!rect.isVisible()) {
+        return;
+    }
+    const Placement placement = place(map, context.mScale);
+    const Paint paint = getPaint(rect, context.mInherited);
+    appendBox("<rect", rect.getPosition(), rect.getSize(), placement);
+    appendCommon(rect, map, placement, paint, context);
+    appendOutlineStyle(rect, paint);
+    mBuffer.append("/>\n");
+}
+
+void ItemWriter::writeImage(const Image& image, const Affine& map, const WriteContext& context) {
+    const Picture picture(image.getSource());
+    if (picture.getProblem() != nullptr) {
+        warn("an image", picture.getProblem());
+        return;
+    }
+    const Placement placement = place(map, context.mScale);
+    appendBox("<image", image.getPosition(), image.getSize(), placement);
+    appendCommon(image, map, placement, context.mWritten, context);
+    mBuffer.append(" preserveAspectRatio=\"none\" href=\"");
+    picture.appendDataUri(mBuffer);
+    mBuffer.append("\"/>\n");
+}
+
+void ItemWriter::writePath(const Path& path, const Affine& map, const WriteContext& context) {
+    if (path.isEmpty()) {
+        return;
+    }
+    const Placement placement = place(map, context.mScale);
+    const Paint paint = getPaint(path, context.mInherited);
+    mBuffer.append("<path");
+    appendCommon(path, map, placement, paint, context);
+    appendOutlineStyle(path, paint);
+    mBuffer.append(" d=\"");
+    appendPathData(mBuffer, path, placement.mX, placement.mY, placement.mDecimals);
+    mBuffer.append("\"/>\n");
+}
+
+void ItemWriter::appendFont(const Text& text, int decimals) {
+    if (mFont.mSize != text.getSize() || mFont.mDecimals != decimals || mFont.mIsBold != text.isBold() ||
+        mFont.mIsItalic != text.isItalic() || mFont.mFont != text.getFont()) {
+        mFont = {text.getFont(), text.getSize(), decimals, text.isBold(), text.isItalic(), {}};
+        TextBuffer attributes(mFont.mText);
+        attributes.append(" font-family=\"");
+        appendXmlText(attributes, makeFontFamily(text.getFont()), XmlContext::Attribute);
+        attributes.append("\" font-size=\"");
+        attributes.commit(putNumber(attributes.reserve(sNumbersSize), static_cast<double>(text.getSize()), decimals));
+        attributes.append(text.isBold() ? "\" font-weight=\"bold\"" : "\"");
+        attributes.append(text.isItalic() ? " font-style=\"italic\"" : "");
+        attributes.flush();
+    }
+    mBuffer.append(mFont.mText);
+}
+
+void ItemWriter::writeText(const Text& text, const Affine& map, const WriteContext& context) {
+    if (text.getText().empty() || !(text.getSize() > 0.0F)) {
+        return;
+    }
+    if (mTextMode == SvgWriter::TextMode::Outlines) {
+        if (text.getGlyphSource()) {
+            writeOutlines(text, map, context);
+            return;
+        }
+        mWarnings.emplace_back("a text stays text: its glyphs have no outlines");
+    }
+    const Placement placement = place(map, context.mScale);
+    char* out = putLiteral(mBuffer.reserve(sNumbersSize), "<text x=\"");
+    out = putNumber(out, static_cast<double>(text.getPosition().x) + placement.mX, placement.mDecimals);
+    out = putLiteral(out, "\" y=\"");
+    out = putNumber(out, static_cast<double>(text.getPosition().y) + placement.mY, placement.mDecimals);
+    *out++ = '"';
+    mBuffer.commit(out);
+    appendFont(text, placement.mDecimals);
+    out = mBuffer.reserve(sNumbersSize);
+    if (text.getLength() > 0.0F) {
+        out = putLiteral(out, " textLength=\"");
+        out = putNumber(out, static_cast<double>(text.getLength()), placement.mDecimals);
+        out = putLiteral(out, "\" lengthAdjust=\"spacingAndGlyphs\"");
+    }
+    if (text.isRightToLeft()) {
+        // The end of right-to-left text is its left edge, where the position is.
+        out = putLiteral(out, " direction=\"rtl\" unicode-bidi=\"embed\" text-anchor=\"end\"");
+    }
+    mBuffer.commit(out);
+    // Letters have no outline: groups give theirs to frames and lines.
+    const Paint paint{getPaint(text, context.mInherited).mColor, sNone};
+    appendCommon(text, map, placement, paint, context);
+    mBuffer.append(">");
+    appendXmlText(mBuffer, text.getText(), XmlContext::Content);
+    mBuffer.append("</text>\n");
+}
+
+void ItemWriter::writeOutlines(const Text& text, const Affine& map, const WriteContext& context) {
+    mPlacedGlyphs.clear();
+    text.getGlyphSource()->appendGlyphs(text, mPlacedGlyphs);
+    if (mPlacedGlyphs.empty()) {
+        return;
+    }
+    const auto runScale = static_cast<double>(mPlacedGlyphs.front().mScale);
+    const Affine run = map * Affine(runScale, 0.0, 0.0, runScale, static_cast<double>(text.getPosition().x),
+                                    static_cast<double>(text.getPosition().y));
+    if (!(runScale > 0.0) || !run.isFinite()) {
+        warn("a text", sNotFinite);
+        return;
+    }
+    const Paint paint{getPaint(text, context.mInherited).mColor, sNone};
+    mBuffer.append("<g");
+    appendTransform(run, context.mScale);
+    appendPaint(paint, context.mWritten);
+    appendNames(text);
+    mBuffer.append(">\n");
+    const int decimals = getDecimals(context.mScale * run.getScale());
+    for (const PlacedGlyph& glyph : mPlacedGlyphs) {
+        writeGlyph(glyph, runScale, decimals);
+    }
+    mBuffer.append("</g>\n");
+}
+
+void ItemWriter::writeGlyph(const PlacedGlyph& glyph, double runScale, int decimals) {
+    const double scale = static_cast<double>(glyph.mScale) / runScale;
+    const double x = static_cast<double>(glyph.mPosition.x) / runScale;
+    const double y = static_cast<double>(glyph.mPosition.y) / runScale;
+    if (!std::isfinite(x + y + scale)) {
+        warn("a glyph", sNotFinite);
+        return;
+    }
+    const unsigned number = glyph.mOutline != nullptr ? mGlyphs.define(*glyph.mOutline) : 0;
+    if (number == 0) {
+        return;
+    }
+    char* out = putLiteral(mBuffer.reserve(sNumbersSize), "<use href=\"#g");
+    out = formatNumber(out, number, 0);
+    *out++ = '"';
+    if (scale == 1.0) {
+        out = putLiteral(out, " x=\"");
+        out = putNumber(out, x, decimals);
+        if (y != 0.0) {
+            out = putLiteral(out, "\" y=\"");
+            out = putNumber(out, y, decimals);
+        }
+        *out++ = '"';
+        mBuffer.commit(out);
+    } else {
+        mBuffer.commit(out);
+        appendTransform(Affine(scale, 0.0, 0.0, scale, x, y), std::pow(10.0, decimals - sCoordinateDecimals));
+    }
+    mBuffer.append("/>\n");
+}
+
+}  // namespace kt::svg

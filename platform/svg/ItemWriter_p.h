@@ -1,0 +1,108 @@
+#pragma once
+
+/// @file
+/// Elements of single items.
+
+#include "platform/svg/Affine_p.h"
+#include "platform/svg/GlyphDefinitions_p.h"
+#include "platform/svg/GlyphSource.h"
+#include "platform/svg/SvgWriter.h"
+#include "platform/svg/TextBuffer_p.h"
+
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+namespace kt::svg {
+
+class Image;
+class Path;
+class Rect;
+class Text;
+
+/// Fill and outline colour.
+struct Paint {
+    std::string_view mColor;
+    std::string_view mOutlineColor;
+};
+
+/// Where in the file an item is written.
+struct WriteContext {
+    Affine mMap;          ///< from the item's surroundings to the innermost open group
+    double mScale = 1.0;  ///< of that group in the file's frame
+    Paint mInherited;     ///< colours that the item inherits
+    Paint mWritten;       ///< colours that the innermost open group has in the file
+};
+
+/// Writes rectangles, images, paths and texts as elements, and what all elements share. Holds what must be known about
+/// the whole file: ids, glyphs and warnings.
+class ItemWriter {
+public:
+    ItemWriter(std::string& output, const SvgWriter::Options& options);
+
+    /// Writes an item that is no group.
+    void writeItem(const ItemInterface& item, const WriteContext& context);
+
+    /// The item's own colours, where they are colours, before the inherited ones.
+    Paint getPaint(const ItemInterface& item, const Paint& inherited);
+
+    void appendTransform(const Affine& map, double outerScale);
+    void appendPaint(const Paint& paint, const Paint& written);
+    /// Id and class.
+    void appendNames(const ItemInterface& item);
+    void appendTitle(std::string_view title);
+    void forgetId(const std::string& id) { mIds.erase(id); }
+
+    void warn(std::string_view item, std::string_view problem);
+
+    TextBuffer& getBuffer() { return mBuffer; }
+    GlyphDefinitions& getGlyphs() { return mGlyphs; }
+    const std::vector<std::string>& getWarnings() const { return mWarnings; }
+
+private:
+    /// How an item is put in its place: by its coordinates alone, or by a transform attribute.
+    struct Placement {
+        double mX = 0.0;  ///< added to the coordinates
+        double mY = 0.0;
+        int mDecimals;
+        bool mIsTransformed;
+    };
+    static Placement place(const Affine& map, double outerScale);
+
+    void writeRect(const Rect& rect, const Affine& map, const WriteContext& context);
+    void writeImage(const Image& image, const Affine& map, const WriteContext& context);
+    void writePath(const Path& path, const Affine& map, const WriteContext& context);
+    void writeText(const Text& text, const Affine& map, const WriteContext& context);
+    void writeOutlines(const Text& text, const Affine& map, const WriteContext& context);
+    void writeGlyph(const PlacedGlyph& glyph, double runScale, int decimals);
+
+    void appendBox(std::string_view start, const Wm4::Vector2<float>& position, const Wm4::Vector2<float>& size,
+                   const Placement& placement);
+    void appendFont(const Text& text, int decimals);
+    void appendOutlineStyle(const ItemInterface& item, const Paint& paint);
+    /// Everything after the attributes that are an element's own.
+    void appendCommon(const ItemInterface& item, const Affine& map, const Placement& placement, const Paint& paint,
+                      const WriteContext& context);
+
+    TextBuffer mBuffer;
+    SvgWriter::TextMode mTextMode;
+    std::string mFixedLineWidth;  ///< stroke-width attribute of outlines that keep their width on the screen
+    std::unordered_set<std::string> mIds;
+    GlyphDefinitions mGlyphs;
+    std::vector<PlacedGlyph> mPlacedGlyphs;
+    std::vector<std::string> mWarnings;
+
+    /// The font attributes written last: most texts of a drawing share them.
+    struct FontAttributes {
+        std::string mFont;
+        float mSize = -1.0F;
+        int mDecimals = 0;
+        bool mIsBold = false;
+        bool mIsItalic = false;
+        std::string mText;
+    };
+    FontAttributes mFont;
+};
+
+}  // namespace kt::svg

@@ -1,0 +1,41 @@
+#pragma once
+
+/// @file
+/// Pictures for embedding.
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace kt::svg {
+
+class TextBuffer;
+
+/// What an image's source holds, told by its content: the bytes of a PNG, JPEG, GIF or WebP file, as they are or in a
+/// data URI. Nothing else is a picture; above all no SVG and no reference to elsewhere.
+class Picture {
+public:
+    /// Largest picture file, in bytes: as base64 it stays below the 10,000,000 bytes that XML parsers allow an
+    /// attribute.
+    static constexpr std::size_t sMaxSize = 7'400'000;
+
+    /// The source must outlive the picture.
+    explicit Picture(std::string_view source);
+
+    /// Null when the picture can be embedded, otherwise why not.
+    const char* getProblem() const { return mProblem; }
+
+    /// Appends the picture as a data URI; only when there is no problem.
+    void appendDataUri(TextBuffer& buffer) const;
+
+private:
+    void readDataUri(std::string_view uri);
+    void setType(std::string_view head);
+
+    std::string_view mBytes;      ///< the file, when the source is one
+    std::string mBase64;          ///< the file, when the source is a data URI
+    std::string_view mMediaType;  ///< by content
+    const char* mProblem = nullptr;
+};
+
+}  // namespace kt::svg

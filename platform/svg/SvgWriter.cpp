@@ -1,0 +1,330 @@
+#include "platform/svg/SvgWriter.h"
+
+#include "platform/svg/ItemWriter_p.h"
+#include "platform/svg/Node.h"
+#include "platform/svg/NumberFormat_p.h"
+#include "platform/svg/Rect.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <utility>
+
+namespace kt::svg {
+
+namespace {
+
+/// What SVG paints with where nothing is said.
+constexpr Paint sInitialPaint{"#000000", "none"};
+
+/// Deepest group: below it stand an element and what that needs inside (a run of glyphs).
+constexpr int sMaxGroupDepth = SvgWriter::sMaxDepth - 2;
+
+/// Lines go on in another element when one has this many bytes.
+constexpr std::size_t sLinesSize = 1'000'000;
+
+/// Least extent of a drawing, in millimetres: without width or height nothing would be shown.
+constexpr double sMinExtent = 1.0;
+
+/// Origin and extent of the drawing along one axis.
+struct ViewRange {
+    double mOrigin;
+    double mExtent;
+};
+
+ViewRange makeViewRange(float minimum, float maximum) {
+    const auto lower = static_cast<double>(minimum);
+    const double extent = static_cast<double>(maximum) - lower;
+    const double missing = std::max(0.0, sMinExtent - extent);
+    return {lower - 0.5 * missing, extent + missing};
+}
+
+/// Whether the group's transform vanishes into its children: they are texts that stand upright only with it.
+bool isUndoneByChildren(const Affine& map, const Node& node) {
+    return std::all_of(node.getChildren().begin(), node.getChildren().end(), [&](const auto& child) {
+        if (child->getKind() == ItemInterface::Kind::Rect && !static_cast<const Rect&>(*child).isVisible()) {
+            return true;
+        }
+        return child->getKind() == ItemInterface::Kind::Text && child->getTransform() &&
+               (map * Affine(*child->getTransform())).isTranslation();
+    });
+}
+
+}  // namespace
+
+/// The file being written: the open groups, and the walk through trees of items.
+class SvgWriter::Document {
+public:
+    Document(std::string& output, const Options& options)
+        : mOutput(output), mOptions(options), mItems(output, options) {}
+
+    void start(const BoundingBox& viewBox, std::string_view title);
+    void end();
+    bool startGroup(const Group& group);
+    void endGroup();
+    void startLines();
+    void addLine(const Wm4::Vector2<float>& from, const Wm4::Vector2<float>& to);
+    void endLines();
+    void writeTree(const ItemInterface& item, const Affine& placement);
+    const std::vector<std::string>& getWarnings() const { return mItems.getWarnings(); }
+
+private:
+    /// A group opened by the caller. It keeps its colours: the caller's texts need not outlive the call.
+    struct CallerGroup {
+        std::string mColor;
+        std::string mOutlineColor;
+        double mScale;
+        std::size_t mStart;         ///< where its tag begins
+        std::size_t mContentStart;  ///< where its content begins
+    };
+
+    /// A group of the tree being walked.
+    struct TreeGroup {
+        const Node* mNode;
+        std::size_t mNextChild;
+        WriteContext mContext;  ///< of the children
+        std::size_t mStart;
+        std::size_t mContentStart;
+        bool mIsOpen;  ///< has an element of its own
+    };
+
+    WriteContext getContext() const;
+    std::optional<TreeGroup> enter(const Node& node, const WriteContext& context);
+    void leave(const TreeGroup& group);
+    /// Ends the innermost element; false when it held nothing and was taken back.
+    bool closeElement(std::size_t start, std::size_t contentStart);
+    bool canOpen() const { return mDepth < sMaxGroupDepth; }
+
+    std::string& mOutput;
+    Options mOptions;
+    ItemWriter mItems;
+    TextBuffer& mBuffer = mItems.getBuffer();
+    std::vector<CallerGroup> mCallerGroups;
+    std::vector<TreeGroup> mTreeGroups;
+    int mDepth = 0;
+    std::size_t mDefinitionsPosition = 0;
+    std::size_t mLinesStart = 0;
+    std::size_t mLinesContentStart = 0;
+};
+
+void SvgWriter::Document::start(const BoundingBox& viewBox, std::string_view title) {
+    const bool isFinite = !viewBox.isEmpty() && std::isfinite(viewBox.getMinPoint().x + viewBox.getMinPoint().y) &&
+                          std::isfinite(viewBox.getMaxPoint().x + viewBox.getMaxPoint().y);
+    const BoundingBox box = isFinite ? viewBox : BoundingBox({}, {});
+    const ViewRange x = makeViewRange(box.getMinPoint().x, box.getMaxPoint().x);
+    const ViewRange y = makeViewRange(box.getMinPoint().y, box.getMaxPoint().y);
+    constexpr std::size_t headSize = 512;
+    char* out = mBuffer.reserve(headSize);
+    out = putLiteral(out,
+                     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"");
+    out = formatCoordinate(out, x.mExtent);
+    out = putLiteral(out, "mm\" height=\"");
+    out = formatCoordinate(out, y.mExtent);
+    out = putLiteral(out, "mm\" viewBox=\"");
+    for (const double number : {x.mOrigin, y.mOrigin, x.mExtent}) {
+        out = formatCoordinate(out, number);
+        *out++ = ' ';
+    }
+    out = formatCoordinate(out, y.mExtent);
+    out = putLiteral(out, "\" stroke-width=\"");
+    out = formatCoordinate(out, static_cast<double>(mOptions.mLineWidth));
+    // Blanks of texts count.
+    mBuffer.commit(putLiteral(out, "\" xml:space=\"preserve\">\n"));
+    mDepth = 1;
+    mItems.appendTitle(title);
+    mDefinitionsPosition = mBuffer.getSize();
+}
+
+void SvgWriter::Document::end() {
+    mBuffer.append("</svg>\n");
+    mBuffer.flush();
+    mOutput.insert(mDefinitionsPosition, mItems.getGlyphs().takeElement());
+    mDepth = 0;
+}
+
+WriteContext SvgWriter::Document::getContext() const {
+    if (mCallerGroups.empty()) {
+        return {{}, 1.0, sInitialPaint, sInitialPaint};
+    }
+    const CallerGroup& group = mCallerGroups.back();
+    const Paint paint{group.mColor, group.mOutlineColor};
+    return {{}, group.mScale, paint, paint};
+}
+
+bool SvgWriter::Document::startGroup(const Group& group) {
+    const Affine map(group.mTransform);
+    if (!map.isFinite()) {
+        mItems.warn("a group", "a number is not finite");
+        return false;
+    }
+    const WriteContext context = getContext();
+    const Paint paint{group.mColor.empty() ? context.mWritten.mColor : group.mColor,
+                      group.mOutlineColor.empty() ? context.mWritten.mOutlineColor : group.mOutlineColor};
+    const std::size_t start = mBuffer.getSize();
+    mBuffer.append("<g");
+    if (group.mTransform != Transform()) {
+        mItems.appendTransform(map, context.mScale);
+    }
+    mItems.appendPaint(paint, context.mWritten);
+    mBuffer.append(">\n");
+    const std::size_t contentStart = mBuffer.getSize();
+    mItems.appendTitle(group.mTitle);
+    mCallerGroups.push_back({std::string(paint.mColor), std::string(paint.mOutlineColor),
+                             context.mScale * map.getScale(), start, contentStart});
+    ++mDepth;
+    return true;
+}
+
+bool SvgWriter::Document::closeElement(std::size_t start, std::size_t contentStart) {
+    if (mBuffer.getSize() == contentStart) {
+        mBuffer.truncate(start);
+        return false;
+    }
+    mBuffer.append("</g>\n");
+    return true;
+}
+
+void SvgWriter::Document::endGroup() {
+    closeElement(mCallerGroups.back().mStart, mCallerGroups.back().mContentStart);
+    mCallerGroups.pop_back();
+    --mDepth;
+}
+
+void SvgWriter::Document::startLines() {
+    mLinesStart = mBuffer.getSize();
+    mBuffer.append("<path d=\"");
+    mLinesContentStart = mBuffer.getSize();
+}
+
+void SvgWriter::Document::addLine(const Wm4::Vector2<float>& from, const Wm4::Vector2<float>& to) {
+    if (!std::isfinite(from.x) || !std::isfinite(from.y) || !std::isfinite(to.x) || !std::isfinite(to.y)) {
+        mItems.warn("a line", "a number is not finite");
+        return;
+    }
+    if (mBuffer.getSize() - mLinesStart > sLinesSize) {
+        endLines();
+        startLines();
+    }
+    constexpr std::size_t lineSize = 4 * (sMaxNumberLength + 1);
+    char* out = mBuffer.reserve(lineSize);
+    *out++ = 'M';
+    out = formatCoordinate(out, static_cast<double>(from.x));
+    *out++ = ' ';
+    out = formatCoordinate(out, static_cast<double>(from.y));
+    *out++ = 'L';
+    out = formatCoordinate(out, static_cast<double>(to.x));
+    *out++ = ' ';
+    mBuffer.commit(formatCoordinate(out, static_cast<double>(to.y)));
+}
+
+void SvgWriter::Document::endLines() {
+    if (mBuffer.getSize() == mLinesContentStart) {
+        mBuffer.truncate(mLinesStart);
+    } else {
+        mBuffer.append("\"/>\n");
+    }
+}
+
+std::optional<SvgWriter::Document::TreeGroup> SvgWriter::Document::enter(const Node& node, const WriteContext& outer) {
+    if (node.getChildren().empty()) {
+        return std::nullopt;
+    }
+    TreeGroup group{&node, 0, outer, mBuffer.getSize(), 0, false};
+    WriteContext& context = group.mContext;
+    if (node.getTransform()) {
+        context.mMap = outer.mMap * Affine(*node.getTransform());
+        if (!context.mMap.isFinite()) {
+            mItems.warn("a group", "a number is not finite");
+            return std::nullopt;
+        }
+    }
+    context.mInherited = mItems.getPaint(node, outer.mInherited);
+
+    // A single child bears its group's transform and colours itself.
+    const bool isForMany = node.getChildren().size() > 1;
+    const bool hasNames = node.getId() || node.getClass();
+    const bool hasColor = isForMany && node.getColor() && context.mInherited.mColor != outer.mWritten.mColor;
+    const bool hasTransform = isForMany && !context.mMap.isTranslation() && !isUndoneByChildren(context.mMap, node);
+    if (!canOpen() || !(hasNames || hasColor || hasTransform)) {
+        return group;
+    }
+    mBuffer.append("<g");
+    if (hasTransform) {
+        mItems.appendTransform(context.mMap, outer.mScale);
+        context.mScale *= context.mMap.getScale();
+        context.mMap = {};
+    }
+    if (hasColor) {
+        context.mWritten.mColor = context.mInherited.mColor;
+        mItems.appendPaint(context.mWritten, outer.mWritten);
+    }
+    mItems.appendNames(node);
+    mBuffer.append(">\n");
+    group.mContentStart = mBuffer.getSize();
+    group.mIsOpen = true;
+    ++mDepth;
+    return group;
+}
+
+void SvgWriter::Document::leave(const TreeGroup& group) {
+    if (!group.mIsOpen) {
+        return;
+    }
+    --mDepth;
+    if (!closeElement(group.mStart, group.mContentStart) && group.mNode->getId()) {
+        mItems.forgetId(*group.mNode->getId());
+    }
+}
+
+void SvgWriter::Document::writeTree(const ItemInterface& item, const Affine& placement) {
+    const auto visit = [this](const ItemInterface& visited, const WriteContext& context) {
+        if (visited.getKind() != ItemInterface::Kind::Node) {
+            mItems.writeItem(visited, context);
+        } else if (const std::optional<TreeGroup> group = enter(static_cast<const Node&>(visited), context)) {
+            mTreeGroups.push_back(*group);
+        }
+    };
+
+    WriteContext context = getContext();
+    context.mMap = placement;
+    visit(item, context);
+    while (!mTreeGroups.empty()) {
+        TreeGroup& group = mTreeGroups.back();
+        if (group.mNextChild == group.mNode->getChildren().size()) {
+            leave(group);
+            mTreeGroups.pop_back();
+        } else {
+            const ItemInterface& child = *group.mNode->getChildren()[group.mNextChild++];
+            visit(child, group.mContext);
+        }
+    }
+}
+
+SvgWriter::SvgWriter(std::string& output, const Options& options)
+    : mDocument(std::make_unique<Document>(output, options)) {}
+
+SvgWriter::~SvgWriter() = default;
+
+void SvgWriter::startDocument(const BoundingBox& viewBox, std::string_view title) { mDocument->start(viewBox, title); }
+
+bool SvgWriter::startGroup(const Group& group) { return mDocument->startGroup(group); }
+
+void SvgWriter::endGroup() { mDocument->endGroup(); }
+
+void SvgWriter::startLines() { mDocument->startLines(); }
+
+void SvgWriter::addLine(const Wm4::Vector2<float>& from, const Wm4::Vector2<float>& to) {
+    mDocument->addLine(from, to);
+}
+
+void SvgWriter::endLines() { mDocument->endLines(); }
+
+void SvgWriter::writeItem(const ItemInterface& item, const Transform* placement) {
+    mDocument->writeTree(item, placement != nullptr ? Affine(*placement) : Affine());
+}
+
+void SvgWriter::endDocument() { mDocument->end(); }
+
+const std::vector<std::string>& SvgWriter::getWarnings() const { return mDocument->getWarnings(); }
+
+}  // namespace kt::svg

@@ -1,0 +1,90 @@
+#pragma once
+
+/// @file
+/// SVG files.
+
+#include "platform/svg/BoundingBox.h"
+#include "platform/svg/ItemInterface.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kt::svg {
+
+/// Writes one SVG file: startDocument, then groups, lines and items in drawing order, then endDocument. The same calls
+/// give the same bytes on every machine and in every locale.
+///
+/// The file is well-formed XML whatever bytes the items hold (what XML cannot hold becomes U+FFFD) and refers to
+/// nothing outside itself. Coordinates differ from the items' by at most 0.0005 drawing units in the file's frame
+/// (those of a kilometre and more, read as millimetres, within float precision). An item with a number that is not
+/// finite is left out, and a warning says so. Elements nest at most sMaxDepth deep: what lies deeper in the items is
+/// flattened. Only what differs from what the enclosing groups say is written, groups that hold nothing are not.
+class KT_SVG_API SvgWriter {
+public:
+    /// Readers in the field refuse elements nested deeper than 50.
+    static constexpr int sMaxDepth = 48;
+    /// Readers in the field refuse longer attributes. An element that would be longer is left out with a warning.
+    static constexpr std::size_t sMaxElementSize = 10'000'000;
+    /// Titles are cut to this many bytes.
+    static constexpr std::size_t sMaxTitleSize = 1'000'000;
+
+    enum class TextMode : std::uint8_t {
+        Text,      ///< text elements: searchable, drawn with the reader's fonts at the measured length
+        Outlines,  ///< glyph outlines, each defined once; text without a glyph source stays text, with a warning
+    };
+
+    struct Options {
+        TextMode mTextMode = TextMode::Text;
+        float mLineWidth = 0.25F;  ///< of outlines, in drawing units (millimetres)
+    };
+
+    /// What startGroup gives a group; empty texts are left out.
+    struct Group {
+        std::string_view mTitle;
+        std::string_view mColor;         ///< fill
+        std::string_view mOutlineColor;  ///< stroke
+        Transform mTransform;
+    };
+
+    /// Appends to output, which must live until endDocument; text that is there already stays.
+    SvgWriter(std::string& output, const Options& options);
+    SvgWriter(const SvgWriter&) = delete;
+    SvgWriter& operator=(const SvgWriter&) = delete;
+    ~SvgWriter();
+
+    /// Whether all numbers of the item itself, not of a group's children, are finite, so that it can be written.
+    static bool isWritable(const ItemInterface& item);
+
+    /// Begins the file.
+    /// @param viewBox  the part of the plane that is shown, in millimetres, y down. A box without width or height is
+    ///                 widened to a millimetre; one that is empty or not finite becomes a millimetre at the origin.
+    void startDocument(const BoundingBox& viewBox, std::string_view title);
+
+    /// Opens a group; false, and nothing is opened, when its transform is not finite (a warning says so). Groups nest
+    /// freely up to half of sMaxDepth; deeper ones are a programming error.
+    bool startGroup(const Group& group);
+    void endGroup();
+
+    /// Straight lines as one element: startLines, addLine for each, endLines. They have the group's outline colour.
+    void startLines();
+    void addLine(const Wm4::Vector2<float>& from, const Wm4::Vector2<float>& to);
+    void endLines();
+
+    /// Writes an item with everything in it.
+    /// @param placement  applied last; null: none.
+    void writeItem(const ItemInterface& item, const Transform* placement = nullptr);
+
+    /// Completes the file.
+    void endDocument();
+
+    /// What was left out or replaced, in order, one English sentence part each ("an image was left out: ...").
+    const std::vector<std::string>& getWarnings() const;
+
+private:
+    class Document;
+    std::unique_ptr<Document> mDocument;
+};
+
+}  // namespace kt::svg
