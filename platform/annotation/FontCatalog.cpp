@@ -1,0 +1,37 @@
+#include "platform/annotation/FontCatalog_p.h"
+#include "platform/annotation/TextProperties.h"
+
+namespace kt::text {
+
+FontCatalog& FontCatalog::getInstance() {
+    static auto* sInstance = new FontCatalog;
+    return *sInstance;
+}
+
+std::shared_ptr<const FontStack> FontCatalog::getStack(const std::string& family, unsigned style) {
+    const unsigned usedStyle = style & (TextProperties::sBold | TextProperties::sItalic);
+    const std::scoped_lock lock(mStackMutex);
+    std::shared_ptr<const FontStack>& stack = mStacks[{family, usedStyle}];
+    if (stack == nullptr) {
+        stack = std::make_shared<FontStack>(*this, family, usedStyle);
+    }
+    return stack;
+}
+
+std::shared_ptr<const Font> FontCatalog::getFont(const FontSource& source) {
+    const std::scoped_lock lock(mFontMutex);
+    std::weak_ptr<const Font>& known = mFonts[source];
+    std::shared_ptr<const Font> font = known.lock();
+    if (font == nullptr) {
+        font = Font::open(source);
+        known = font;
+    }
+    return font;
+}
+
+void FontCatalog::clear() {
+    const std::scoped_lock lock(mStackMutex);
+    mStacks.clear();
+}
+
+}  // namespace kt::text

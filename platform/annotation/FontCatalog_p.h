@@ -1,0 +1,39 @@
+#pragma once
+
+/// @file
+/// The fonts that are open in this process.
+
+#include "platform/annotation/FontStack_p.h"
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+
+namespace kt::text {
+
+/// Opens every font once per process, whatever number of converters, families and styles use it. Safe for several
+/// threads.
+class FontCatalog {
+public:
+    /// Never destroyed, so that converters and items may outlive the program's static objects.
+    static FontCatalog& getInstance();
+
+    /// The fonts of a family and style (bits of TextProperties::mStyle); never null.
+    std::shared_ptr<const FontStack> getStack(const std::string& family, unsigned style);
+    /// The open font of that source, null when it cannot be opened.
+    std::shared_ptr<const Font> getFont(const FontSource& source);
+    /// Forgets all fonts; those still in use stay open until their last user lets them go.
+    void clear();
+
+private:
+    FontCatalog() = default;
+
+    std::mutex mStackMutex;
+    std::map<std::pair<std::string, unsigned>, std::shared_ptr<const FontStack>> mStacks;
+    std::mutex mFontMutex;
+    std::map<FontSource, std::weak_ptr<const Font>> mFonts;
+};
+
+}  // namespace kt::text

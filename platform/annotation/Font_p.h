@@ -1,0 +1,96 @@
+#pragma once
+
+/// @file
+/// One open font.
+
+#include "platform/svg/Path.h"
+
+#include <hb.h>
+
+#include <array>
+#include <compare>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+
+namespace kt::text {
+
+class AdvanceTable;
+
+/// Where a font comes from, and what stands in for a style that it lacks.
+struct FontSource {
+    auto operator<=>(const FontSource&) const = default;
+
+    std::string mPath;
+    unsigned mIndex = 0;                                ///< face in the file; bits 16 and up: named instance + 1
+    bool mIsEmboldened = false;                         ///< strokes are thickened
+    std::array<double, 4> mMatrix{1.0, 0.0, 0.0, 1.0};  ///< applied to outlines: xx, xy, yx, yy
+};
+
+/// Ink box of a glyph or run in font units, y up. Starts empty.
+struct InkBox {
+    bool isEmpty() const { return mLeft > mRight; }
+    void addBox(const InkBox& box, std::int64_t x, std::int64_t y);
+
+    std::int64_t mLeft = INT32_MAX;
+    std::int64_t mBottom = INT32_MAX;
+    std::int64_t mRight = INT32_MIN;
+    std::int64_t mTop = INT32_MIN;
+};
+
+/// Vertical metrics in ems; all positive in the usual direction.
+struct FontMetrics {
+    float mAscent = 0.0F;
+    float mDescent = 0.0F;
+    float mLineGap = 0.0F;
+    float mSubscriptDrop = 0.0F;    ///< how far below the base line a subscript's base line lies
+    float mSuperscriptRise = 0.0F;  ///< how far above it a superscript's lies
+};
+
+/// An open scalable font: the file is mapped and shared by everything that uses the font. Immutable for its users, who
+/// may work on several threads. All positions are in font units.
+class Font {
+public:
+    /// Null when the file is no usable font.
+    static std::shared_ptr<const Font> open(const FontSource& source);
+
+    Font(const Font&) = delete;
+    Font& operator=(const Font&) = delete;
+    ~Font();
+
+    hb_font_t* getShapingFont() const { return mShapingFont.get(); }
+    hb_face_t* getFace() const { return hb_font_get_face(mShapingFont.get()); }
+    unsigned getUnitsPerEm() const { return mUnitsPerEm; }
+    const FontMetrics& getMetrics() const { return mMetrics; }
+
+    /// The glyph of a character, 0 when the font has none.
+    hb_codepoint_t getGlyph(char32_t character) const;
+    InkBox getInkBox(hb_codepoint_t glyph) const;
+    /// The glyph's outline in font units with y down, null for a glyph without ink. Lives as long as the font.
+    const svg::Path* getOutline(hb_codepoint_t glyph) const;
+    /// Widths of simple texts without shaping; built at the first call.
+    const AdvanceTable& getAdvanceTable() const;
+
+private:
+    struct FontDeleter {
+        void operator()(hb_font_t* font) const { hb_font_destroy(font); }
+    };
+    using FontHandle = std::unique_ptr<hb_font_t, FontDeleter>;
+    class OutlineReader;
+
+    Font(FontHandle shapingFont, const FontSource& source);
+
+    FontHandle mShapingFont;
+    FontSource mSource;
+    unsigned mUnitsPerEm;
+    FontMetrics mMetrics;
+    mutable std::once_flag mAdvanceTableFlag;
+    mutable std::unique_ptr<AdvanceTable> mAdvanceTable;
+    mutable std::mutex mOutlineMutex;
+    mutable std::unique_ptr<OutlineReader> mOutlineReader;
+    mutable std::unordered_map<hb_codepoint_t, std::unique_ptr<const svg::Path>> mOutlines;
+};
+
+}  // namespace kt::text

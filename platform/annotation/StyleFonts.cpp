@@ -1,0 +1,110 @@
+#include "platform/annotation/Characters_p.h"
+#include "platform/annotation/RunGlyphs_p.h"
+#include "platform/annotation/StyleFonts_p.h"
+
+#include <algorithm>
+
+namespace kt::text {
+
+StyleFonts::StyleFonts(std::shared_ptr<const FontStack> fonts)
+    : mStack(std::move(fonts)),
+      mMainFont(mStack->getMainFont()),
+      mSimpleGlyphs(std::make_shared<SimpleGlyphs>(mStack)) {}
+
+const Font* StyleFonts::findFont(std::u32string_view cluster) {
+    if (cluster.size() > 1) {
+        return mStack->findFont(cluster);
+    }
+    const auto [entry, isNew] = mFontOfCharacter.try_emplace(cluster.front(), nullptr);
+    if (isNew) {
+        entry->second = mStack->findFont(cluster);
+    }
+    return entry->second;
+}
+
+bool StyleFonts::measureSimple(std::string_view text, RunExtent& extent) {
+    if (mSlots.empty()) {
+        mSlots.resize(AdvanceTable::sCharacterEnd);
+    }
+    InkBox ink;
+    std::int64_t pen = 0;
+    Slot last;
+    for (std::size_t position = 0; position < text.size();) {
+        const auto byte = static_cast<unsigned char>(text[position]);
+        const char32_t character = byte < 0x80 ? (++position, char32_t{byte}) : decodeCharacter(text, position);
+        if (character >= AdvanceTable::sCharacterEnd) {
+            return false;
+        }
+        Slot slot = mSlots[character];
+        if (slot.mTable == sUnknownTable) {
+            slot = findSlot(character);
+        }
+        if (slot.mTable == sNoTable) {
+            return false;
+        }
+        const AdvanceTable& table = *mTables[slot.mTable].mTable;
+        if (slot.mTable == last.mTable) {
+            const int kerning = table.getKerning(last.mIndex, slot.mIndex);
+            if (kerning == AdvanceTable::sNotAdditive) {
+                return false;
+            }
+            pen += kerning;
+        } else if (last.mTable != sUnknownTable) {
+            addPiece(*mTables[last.mTable].mFont, pen, ink, extent);
+            ink = {};
+            pen = 0;
+        }
+        const AdvanceTable::Glyph& glyph = table.getGlyph(slot.mIndex);
+        ink.addBox(glyph.mInk, pen, 0);
+        pen += glyph.mAdvance;
+        last = slot;
+    }
+    if (last.mTable != sUnknownTable) {
+        addPiece(*mTables[last.mTable].mFont, pen, ink, extent);
+    }
+    return true;
+}
+
+void StyleFonts::addPiece(const Font& font, std::int64_t advance, const InkBox& ink, RunExtent& extent) const {
+    const double unitsPerEm = font.getUnitsPerEm();
+    if (!ink.isEmpty()) {
+        const double bottom = static_cast<double>(ink.mBottom) / unitsPerEm;
+        const double top = static_cast<double>(ink.mTop) / unitsPerEm;
+        extent.mInkLeft = std::min(extent.mInkLeft, extent.mAdvance + static_cast<double>(ink.mLeft) / unitsPerEm);
+        extent.mInkRight = std::max(extent.mInkRight, extent.mAdvance + static_cast<double>(ink.mRight) / unitsPerEm);
+        extent.mInkBottom = std::min(extent.mInkBottom, bottom);
+        extent.mInkTop = std::max(extent.mInkTop, top);
+        if (&font != mMainFont) {
+            extent.mSubstituteBottom = std::min(extent.mSubstituteBottom, bottom);
+            extent.mSubstituteTop = std::max(extent.mSubstituteTop, top);
+        }
+    }
+    extent.mAdvance += static_cast<double>(advance) / unitsPerEm;
+}
+
+StyleFonts::Slot StyleFonts::findSlot(char32_t character) {
+    Slot& slot = mSlots[character];
+    slot.mTable = sNoTable;
+    const Font* font = AdvanceTable::isCandidate(character) ? findFont({&character, 1}) : nullptr;
+    if (font == nullptr) {
+        return slot;
+    }
+    if (const auto index = font->getAdvanceTable().findIndex(character)) {
+        slot = {findTable(*font), *index};
+    }
+    return slot;
+}
+
+std::uint8_t StyleFonts::findTable(const Font& font) {
+    const auto known = std::ranges::find(mTables, &font, &TableUse::mFont);
+    const auto position = known - mTables.begin();
+    if (known == mTables.end()) {
+        if (mTables.size() == sNoTable) {
+            return sNoTable;
+        }
+        mTables.push_back({&font, &font.getAdvanceTable()});
+    }
+    return static_cast<std::uint8_t>(position);
+}
+
+}  // namespace kt::text

@@ -1,0 +1,35 @@
+#include "platform/annotation/ktAnnotationLibrary.h"
+
+#include "platform/annotation/FontCatalog_p.h"
+#include "platform/annotation/TextProperties.h"
+#include "platform/system/LibInitCounter.h"
+#include "platform/system/ktSystem.h"
+
+namespace kt {
+
+namespace {
+
+impl::LibInitCounter& getInitCounter() {
+    static impl::LibInitCounter sCounter("annotation", true);
+    return sCounter;
+}
+
+}  // namespace
+
+void initializeKtAnnotationLibrary(bool preloadFonts) {
+    if (getInitCounter().incrementInitCounter()) {
+        initializeKtSystem(InitType::Full, false);
+    }
+    if (preloadFonts) {
+        text::FontCatalog::getInstance().getStack(text::TextProperties().mFontName, 0)->getMainFont();
+    }
+}
+
+void terminateKtAnnotationLibrary() {
+    if (getInitCounter().decrementInitCounter()) {
+        text::FontCatalog::getInstance().clear();
+        terminateKtSystem();
+    }
+}
+
+}  // namespace kt

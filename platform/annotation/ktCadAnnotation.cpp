@@ -1,0 +1,7 @@
+#include "platform/annotation/ktCadAnnotation.h"
+
+namespace kt {
+
+ktCadAnnotation::~ktCadAnnotation() = default;
+
+}  // namespace kt

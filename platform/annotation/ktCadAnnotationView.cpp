@@ -1,0 +1,7 @@
+#include "platform/annotation/ktCadAnnotationView.h"
+
+namespace kt {
+
+ktCadAnnotationView::~ktCadAnnotationView() = default;
+
+}  // namespace kt
