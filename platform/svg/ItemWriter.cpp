@@ -73,6 +73,19 @@ char* putNumber(char* out, double value, int decimals) {
     return decimals == sCoordinateDecimals ? formatCoordinate(out, value) : formatNumber(out, value, decimals);
 }
 
+/// Whether a renderer would drop some of the text's blanks: all at its ends, and all but one in a row elsewhere.
+bool hasFragileBlanks(std::string_view text) {
+    bool isAfterBlank = true;
+    for (const char character : text) {
+        const bool isBlank = character == ' ';
+        if ((isBlank && isAfterBlank) || character == '\t' || character == '\n' || character == '\r') {
+            return true;
+        }
+        isAfterBlank = isBlank;
+    }
+    return isAfterBlank;
+}
+
 /// The family as a quoted CSS string with a generic family to fall back on.
 std::string makeFontFamily(std::string_view font) {
     std::string family;
@@ -114,12 +127,21 @@ bool SvgWriter::isWritable(const ItemInterface& item) {
 }
 
 ItemWriter::ItemWriter(std::string& output, const SvgWriter::Options& options)
-    : mBuffer(output), mTextMode(options.mTextMode), mFixedLineWidth(" stroke-width=\"") {
-    // A width that does not scale is meant in pixels of the screen, 96 to an inch, whatever the drawing's unit is.
-    constexpr double pixelsPerMillimetre = 96.0 / 25.4;
-    char number[sMaxNumberLength];
-    char* const end = formatCoordinate(number, static_cast<double>(options.mLineWidth) * pixelsPerMillimetre);
-    mFixedLineWidth.append(number, end).push_back('"');
+    : mBuffer(output), mTextMode(options.mTextMode) {}
+
+std::string ItemWriter::takeDefinitions(float lineWidth) {
+    std::string definitions;
+    if (mHasFixedOutlines) {
+        // An outline that keeps its width is as wide on the screen as in the drawing at its natural size: 96 pixels to
+        // an inch. Renderers that do not know such outlines skip the rule and scale the drawing's line width.
+        constexpr double pixelsPerMillimetre = 96.0 / 25.4;
+        char number[sMaxNumberLength];
+        const char* end = formatCoordinate(number, static_cast<double>(lineWidth) * pixelsPerMillimetre);
+        definitions.append("<style>@supports(vector-effect:non-scaling-stroke){[vector-effect]{stroke-width:");
+        definitions.append(number, static_cast<std::size_t>(end - number));
+        definitions.append("px}}</style>\n");
+    }
+    return definitions.append(mGlyphs.takeElement());
 }
 
 void ItemWriter::warn(std::string_view item, std::string_view problem) {
@@ -205,12 +227,10 @@ void ItemWriter::appendTitle(std::string_view title) {
     }
 }
 
-void ItemWriter::appendOutlineStyle(const ItemInterface& item, const Paint& paint) {
+void ItemWriter::appendOutlineStyle(const ItemInterface& item) {
     if (item.getStyleOption() == ItemInterface::sStyleNonScalingStroke) {
         mBuffer.append(" vector-effect=\"non-scaling-stroke\"");
-        if (paint.mOutlineColor != sNone) {
-            mBuffer.append(mFixedLineWidth);
-        }
+        mHasFixedOutlines = true;
     }
 }
 
@@ -280,7 +300,7 @@ void ItemWriter::writeRect(const Rect& rect, const Affine& map, const WriteConte
     const Paint paint = getPaint(rect, context.mInherited);
     appendBox("<rect", rect.getPosition(), rect.getSize(), placement);
     appendCommon(rect, map, placement, paint, context);
-    appendOutlineStyle(rect, paint);
+    appendOutlineStyle(rect);
     mBuffer.append("/>\n");
 }
 
@@ -306,7 +326,7 @@ void ItemWriter::writePath(const Path& path, const Affine& map, const WriteConte
     const Paint paint = getPaint(path, context.mInherited);
     mBuffer.append("<path");
     appendCommon(path, map, placement, paint, context);
-    appendOutlineStyle(path, paint);
+    appendOutlineStyle(path);
     mBuffer.append(" d=\"");
     appendPathData(mBuffer, path, placement.mX, placement.mY, placement.mDecimals);
     mBuffer.append("\"/>\n");
@@ -356,6 +376,9 @@ void ItemWriter::writeText(const Text& text, const Affine& map, const WriteConte
     if (text.isRightToLeft()) {
         // The end of right-to-left text is its left edge, where the position is.
         out = putLiteral(out, " direction=\"rtl\" unicode-bidi=\"embed\" text-anchor=\"end\"");
+    }
+    if (hasFragileBlanks(text.getText())) {
+        out = putLiteral(out, " xml:space=\"preserve\"");
     }
     mBuffer.commit(out);
     // Letters have no outline: groups give theirs to frames and lines.

@@ -56,8 +56,10 @@ public:
 
     void warn(std::string_view item, std::string_view problem);
 
+    /// What belongs at the beginning of the file, known when everything is written.
+    std::string takeDefinitions(float lineWidth);
+
     TextBuffer& getBuffer() { return mBuffer; }
-    GlyphDefinitions& getGlyphs() { return mGlyphs; }
     const std::vector<std::string>& getWarnings() const { return mWarnings; }
 
 private:
@@ -80,14 +82,14 @@ private:
     void appendBox(std::string_view start, const Wm4::Vector2<float>& position, const Wm4::Vector2<float>& size,
                    const Placement& placement);
     void appendFont(const Text& text, int decimals);
-    void appendOutlineStyle(const ItemInterface& item, const Paint& paint);
+    void appendOutlineStyle(const ItemInterface& item);
     /// Everything after the attributes that are an element's own.
     void appendCommon(const ItemInterface& item, const Affine& map, const Placement& placement, const Paint& paint,
                       const WriteContext& context);
 
     TextBuffer mBuffer;
     SvgWriter::TextMode mTextMode;
-    std::string mFixedLineWidth;  ///< stroke-width attribute of outlines that keep their width on the screen
+    bool mHasFixedOutlines = false;  ///< there are outlines that keep their width on the screen
     std::unordered_set<std::string> mIds;
     GlyphDefinitions mGlyphs;
     std::vector<PlacedGlyph> mPlacedGlyphs;

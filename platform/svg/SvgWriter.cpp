@@ -128,8 +128,7 @@ void SvgWriter::Document::start(const BoundingBox& viewBox, std::string_view tit
     out = formatCoordinate(out, y.mExtent);
     out = putLiteral(out, "\" stroke-width=\"");
     out = formatCoordinate(out, static_cast<double>(mOptions.mLineWidth));
-    // Blanks of texts count.
-    mBuffer.commit(putLiteral(out, "\" xml:space=\"preserve\">\n"));
+    mBuffer.commit(putLiteral(out, "\">\n"));
     mDepth = 1;
     mItems.appendTitle(title);
     mDefinitionsPosition = mBuffer.getSize();
@@ -138,7 +137,7 @@ void SvgWriter::Document::start(const BoundingBox& viewBox, std::string_view tit
 void SvgWriter::Document::end() {
     mBuffer.append("</svg>\n");
     mBuffer.flush();
-    mOutput.insert(mDefinitionsPosition, mItems.getGlyphs().takeElement());
+    mOutput.insert(mDefinitionsPosition, mItems.takeDefinitions(mOptions.mLineWidth));
     mDepth = 0;
 }
 
