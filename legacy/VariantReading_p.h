@@ -4,6 +4,8 @@
 /// Reads of single values that the map forms share.
 
 #include "platform/system/ktVariant.h"
+#include "platform/system/ktVariantListImpl.h"
+#include "platform/system/ktVariantMapImpl.h"
 #include "platform/wm4/Wm4Vector3.h"
 
 #include <algorithm>

@@ -10,9 +10,9 @@ namespace ktLegacy::version {
 // Newest first: what each version of streams and documents added.
 //
 //   6.27  views have metadata
-//   6.22  leader heads, arrow directions, sub-annotations and annotation metadata; variant documents keep all
-//   annotations
-//         of a view in one list, and leaders as maps
+//   6.22  leader heads, arrow directions, sub-annotations and annotation metadata; in variant documents one list for
+//   all
+//         annotations of a view, and leaders that are maps
 //   6.17  measure leaders; segments have a type and a 16-bit length; first version of variant documents
 //   6.15  text and raster annotations share one base record; raster annotations
 //   6.14  text annotations have a name and a whole flags byte
