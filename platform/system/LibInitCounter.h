@@ -9,12 +9,13 @@
 
 namespace kt::impl {
 
-/// Counts the users of a library. Safe to use from several threads; the work done between two counts is the library's own
-/// to serialise.
+/// Counts the users of a library. Safe to use from several threads; the work done between two counts is the library's
+/// own to serialise.
 class KT_SYSTEM_API LibInitCounter {
 public:
     /// @param name             the library's name, for debug lines; not copied.
-    /// @param reportUnbalanced write a debug line when there are more decrements than increments, or users left at the end.
+    /// @param reportUnbalanced write a debug line when there are more decrements than increments, or users left at the
+    /// end.
     LibInitCounter(const char* name, bool reportUnbalanced);
     LibInitCounter(const LibInitCounter&) = delete;
     LibInitCounter& operator=(const LibInitCounter&) = delete;

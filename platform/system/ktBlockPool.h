@@ -18,8 +18,8 @@ class KT_SYSTEM_API ktBlockPool {
 public:
     ktBlockPool() = delete;
 
-    /// A block of size bytes, aligned for any scalar type up to 16 bytes; blocks above sMaxBlockSize come from the heap.
-    /// Throws std::bad_alloc.
+    /// A block of size bytes, aligned for any scalar type up to 16 bytes; blocks above sMaxBlockSize come from the
+    /// heap. Throws std::bad_alloc.
     static void* allocate(std::size_t size);
     /// Releases a block; size as it was asked for.
     static void release(void* block, std::size_t size) noexcept;

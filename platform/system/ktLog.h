@@ -18,10 +18,10 @@ namespace kt {
 struct ktLogEntry {
     std::string mMessage;
     int mType = 0;
-    std::int64_t mMilliseconds = 0;             ///< since the epoch, when the line was begun
-    std::string mCategory;                      ///< empty when none was given
-    std::string mContext;                       ///< empty when none was given
-    std::optional<std::thread::id> mThreadId;   ///< when the log asks for it
+    std::int64_t mMilliseconds = 0;            ///< since the epoch, when the line was begun
+    std::string mCategory;                     ///< empty when none was given
+    std::string mContext;                      ///< empty when none was given
+    std::optional<std::thread::id> mThreadId;  ///< when the log asks for it
 };
 
 /// Receives log lines. A host may put its own log in the place of the bundled one; log() may be called from several

@@ -32,14 +32,15 @@ public:
     ktLogObject& operator<<(char character);
     ktLogObject& operator<<(double number);
     template <typename Integer>
-        requires std::is_integral_v<Integer>
-    ktLogObject& operator<<(Integer number) {
+    requires std::is_integral_v<Integer> ktLogObject& operator<<(Integer number) {
         return *this << std::string_view(std::to_string(number));
     }
 
 private:
+    bool isWanted() const { return mLogger != nullptr || mToSystemLog; }
+
     ktLogEntry mEntry;
-    ktLog* mLogger;
+    ktLog* mLogger;  ///< null when nobody keeps lines of this type
     bool mToSystemLog;
 };
 

@@ -16,8 +16,8 @@ public:
 
     ~ktMetadataInterface() override;
     const ktRtti* GetType() const override;
-    /// Reads the ktObject record and the metadata type identifier (uint32). Another identifier than the object's own sets
-    /// the stream's error flag.
+    /// Reads the ktObject record and the metadata type identifier (uint32). Another identifier than the object's own
+    /// sets the stream's error flag.
     void Load(ktBaseStream& stream) override;
     /// True when the other is a metadata item of the same kind.
     bool Equals(const ktRttiInterface* other) const override;

@@ -9,8 +9,8 @@
 namespace kt {
 
 /// Holds one reference to an intrusively counted object (anything with IncrementReferences and DecrementReferences), or
-/// nothing. As cheap as a raw pointer to move. Counts are plain integers: an object and the pointers to it belong to one
-/// thread at a time.
+/// nothing. As cheap as a raw pointer to move. Counts are plain integers: an object and the pointers to it belong to
+/// one thread at a time.
 template <typename T>
 class ktPointer {
 public:

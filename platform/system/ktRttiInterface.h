@@ -21,7 +21,8 @@ class ktBaseStream;
 /// The order of the virtual operations is part of the binary interface.
 class KT_SYSTEM_API ktRttiInterface {
 public:
-    /// Creates an object and reads its record from the stream; never null. A failed read shows in the stream's error flag.
+    /// Creates an object and reads its record from the stream; never null. A failed read shows in the stream's error
+    /// flag.
     using FactoryFunction = ktRttiInterface* (*)(ktBaseStream& stream);
 
     static const ktRtti TYPE;

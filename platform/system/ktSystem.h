@@ -18,7 +18,7 @@ enum class InitType : int {
 /// @param verbose  write a debug line about it.
 KT_SYSTEM_API void initializeKtSystem(InitType type, bool verbose);
 
-/// Ends one use of the system library; the last one removes what was registered with it.
+/// Ends one use of the system library; surplus calls do nothing. The log and the factory registry stay usable.
 KT_SYSTEM_API void terminateKtSystem();
 
 }  // namespace kt

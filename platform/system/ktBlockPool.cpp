@@ -1,0 +1,169 @@
+#include "platform/system/ktBlockPool.h"
+
+#include <atomic>
+#include <cstdint>
+#include <cstdlib>
+#include <mutex>
+
+#if defined(__SANITIZE_ADDRESS__)
+#define KT_POOL_USES_HEAP 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define KT_POOL_USES_HEAP 1
+#endif
+#endif
+
+namespace kt {
+
+#ifdef KT_POOL_USES_HEAP
+
+void* ktBlockPool::allocate(std::size_t size) { return ::operator new(size); }
+
+void ktBlockPool::release(void* block, std::size_t /*size*/) noexcept { ::operator delete(block); }
+
+#else
+
+namespace {
+
+constexpr std::size_t sChunkSize = 256 * std::size_t{1024};
+constexpr std::size_t sAlignment = 16;
+/// Chunks kept for the next document; more are given back to the system.
+constexpr std::size_t sMaxCachedChunks = 128;
+/// Stands for the blocks that the owner of a chunk may still hand out: more than fit a chunk, so that the count cannot
+/// reach 0 before the owner has settled it.
+constexpr std::int64_t sOwnerShare = std::int64_t{1} << 40;
+
+/// Head of a chunk. A chunk lies at a multiple of its size, so that a block's address leads to its chunk.
+struct alignas(sAlignment) Chunk {
+    /// Blocks in use; while a thread owns the chunk, sOwnerShare minus the blocks released so far.
+    std::atomic<std::int64_t> mLiveCount;
+    Chunk* mNextFree;
+};
+
+/// The chunk that a thread takes its blocks from.
+struct ThreadChunk {
+    std::byte* mCursor;
+    std::byte* mEnd;
+    Chunk* mChunk;
+    std::int64_t mHandedOut;
+    bool mIsThreadEnding;
+};
+
+/// Trivial, so that no access needs a check for initialisation; the initial-exec model saves the call that looks up the
+/// thread's copy.
+[[gnu::tls_model("initial-exec")]] constinit thread_local ThreadChunk sThreadChunk{};
+
+constinit std::mutex sCacheMutex;
+constinit Chunk* sCachedChunks = nullptr;
+constinit std::size_t sCachedCount = 0;
+
+Chunk* takeCachedChunk() {
+    const std::lock_guard lock(sCacheMutex);
+    Chunk* chunk = sCachedChunks;
+    if (chunk != nullptr) {
+        sCachedChunks = chunk->mNextFree;
+        --sCachedCount;
+    }
+    return chunk;
+}
+
+void recycle(Chunk* chunk) noexcept {
+    {
+        const std::lock_guard lock(sCacheMutex);
+        if (sCachedCount < sMaxCachedChunks) {
+            chunk->mNextFree = sCachedChunks;
+            sCachedChunks = chunk;
+            ++sCachedCount;
+            return;
+        }
+    }
+    std::free(chunk);
+}
+
+Chunk* acquireChunk() {
+    Chunk* chunk = takeCachedChunk();
+    if (chunk == nullptr) {
+        void* memory = std::aligned_alloc(sChunkSize, sChunkSize);
+        if (memory == nullptr) {
+            throw std::bad_alloc();
+        }
+        chunk = new (memory) Chunk{};
+    }
+    chunk->mLiveCount.store(sOwnerShare, std::memory_order_relaxed);
+    return chunk;
+}
+
+void settle(Chunk* chunk, std::int64_t count) noexcept {
+    if (chunk->mLiveCount.fetch_sub(count, std::memory_order_acq_rel) == count) {
+        recycle(chunk);
+    }
+}
+
+/// Gives up the thread's chunk: from now on it lives as long as its blocks.
+void retire(ThreadChunk& own) noexcept {
+    if (own.mChunk != nullptr) {
+        settle(own.mChunk, sOwnerShare - own.mHandedOut);
+        own.mChunk = nullptr;
+        own.mCursor = nullptr;
+        own.mEnd = nullptr;
+    }
+}
+
+/// Gives up the chunk of a thread that ends.
+struct ThreadEnd {
+    ~ThreadEnd() {
+        sThreadChunk.mIsThreadEnding = true;
+        retire(sThreadChunk);
+    }
+};
+
+std::byte* blocksOf(Chunk* chunk) { return reinterpret_cast<std::byte*>(chunk) + sizeof(Chunk); }
+
+/// A block from a fresh chunk, which becomes the thread's own.
+[[gnu::noinline]] void* allocateFromNewChunk(ThreadChunk& own, std::size_t size) {
+    Chunk* chunk = acquireChunk();
+    retire(own);
+    own.mChunk = chunk;
+    own.mCursor = blocksOf(chunk) + size;
+    own.mEnd = reinterpret_cast<std::byte*>(chunk) + sChunkSize;
+    own.mHandedOut = 1;
+    if (own.mIsThreadEnding) {
+        // Other thread-local objects still run their destructors and nobody would give up the chunk later.
+        retire(own);
+    } else {
+        static thread_local const ThreadEnd sThreadEnd;
+        static_cast<void>(&sThreadEnd);
+    }
+    return blocksOf(chunk);
+}
+
+}  // namespace
+
+void* ktBlockPool::allocate(std::size_t size) {
+    if (size > sMaxBlockSize) [[unlikely]] {
+        return ::operator new(size);
+    }
+    // At least one unit, so that every block lies inside its chunk.
+    size = size == 0 ? sAlignment : (size + sAlignment - 1) & ~(sAlignment - 1);
+    ThreadChunk& own = sThreadChunk;
+    if (static_cast<std::size_t>(own.mEnd - own.mCursor) < size) [[unlikely]] {
+        return allocateFromNewChunk(own, size);
+    }
+    void* block = own.mCursor;
+    own.mCursor += size;
+    ++own.mHandedOut;
+    return block;
+}
+
+void ktBlockPool::release(void* block, std::size_t size) noexcept {
+    if (size > sMaxBlockSize) [[unlikely]] {
+        ::operator delete(block);
+    } else if (block != nullptr) {
+        constexpr auto sChunkMask = ~(static_cast<std::uintptr_t>(sChunkSize) - 1);
+        settle(reinterpret_cast<Chunk*>(reinterpret_cast<std::uintptr_t>(block) & sChunkMask), 1);
+    }
+}
+
+#endif
+
+}  // namespace kt

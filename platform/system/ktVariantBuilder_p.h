@@ -1,0 +1,84 @@
+#pragma once
+
+/// @file
+/// Building of variants from a sequence of parts.
+
+#include "platform/system/ktVariantMapImpl.h"
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+namespace kt::impl {
+
+/// Builds a variant from the parts of a document in their order. Parts wait on one stack until their map or list ends;
+/// then it gets a block of just the right size. The nesting needs no call stack.
+class ktVariantBuilder {
+public:
+    using Entry = ktVariant::ktVariantMapImpl::Entry;
+
+    ktVariantBuilder() = default;
+    ktVariantBuilder(const ktVariantBuilder&) = delete;
+    ktVariantBuilder& operator=(const ktVariantBuilder&) = delete;
+    ~ktVariantBuilder();
+
+    void beginMap() { begin(ktVariant::Kind::Map); }
+    void beginList() { begin(ktVariant::Kind::List); }
+    /// The key of the value that comes next, which is in a map.
+    void addKey(std::string_view key) {
+        new (makeRoom()) ktVariantKey(key);
+        ++mCellCount;
+    }
+    template <typename Value>
+    void addValue(Value&& value) {
+        new (makeRoom()) ktVariant(std::forward<Value>(value));
+        ++mCellCount;
+    }
+    /// Ends the innermost map or list.
+    void end();
+    /// Drops the innermost map or list and what it holds.
+    void drop();
+    /// Drops a key without a value from the innermost map.
+    void dropLooseKey();
+
+    /// Maps and lists begun and not ended.
+    std::size_t getDepth() const { return mFrames.size(); }
+    bool isInMap() const { return !mFrames.empty() && mFrames.back().mKind == ktVariant::Kind::Map; }
+    /// Elements of the innermost list so far, or entries of the innermost map.
+    std::size_t getElementCount() const;
+
+    /// The one value that was built; the builder is empty then.
+    ktVariant take();
+    /// Drops everything.
+    void clear() noexcept;
+
+    /// Sorts raw entries by key and drops all but the last of equal keys; the number that stay.
+    static std::size_t sortEntries(Entry* entries, std::size_t count);
+
+private:
+    /// Room for a key or a value.
+    struct alignas(8) Cell {
+        std::byte mBytes[16];
+    };
+    struct Frame {
+        ktVariant::Kind mKind;
+        std::size_t mFirstCell;
+    };
+
+    void begin(ktVariant::Kind kind) { mFrames.push_back({kind, mCellCount}); }
+    Cell* makeRoom() {
+        if (mCellCount == mCellCapacity) [[unlikely]] {
+            grow();
+        }
+        return mCells + mCellCount;
+    }
+    void grow();
+    void destroyCells(const Frame& frame) noexcept;
+
+    Cell* mCells = nullptr;
+    std::size_t mCellCount = 0;
+    std::size_t mCellCapacity = 0;
+    std::vector<Frame> mFrames;
+};
+
+}  // namespace kt::impl

@@ -1,0 +1,390 @@
+#include "platform/system/ktVariantJson.h"
+
+#include "platform/system/ktJsonDiagnosis_p.h"
+#include "platform/system/ktJsonNumber_p.h"
+#include "platform/system/ktLimits.h"
+#include "platform/system/ktVariantBuilder_p.h"
+
+#include <simdjson.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <string_view>
+
+namespace kt {
+
+namespace {
+
+constexpr std::string_view sByteOrderMark = "\xEF\xBB\xBF";
+
+bool isBlank(char character) { return character == ' ' || character == '\n' || character == '\r' || character == '\t'; }
+
+/// Turns the escapes of a text into the bytes they stand for.
+class Unescaper {
+public:
+    /// The text without escapes, valid until the next call; null data when an escape is wrong.
+    std::string_view unescape(std::string_view text) {
+        mText.clear();
+        while (!text.empty()) {
+            const std::size_t plain = std::min(text.find('\\'), text.size());
+            mText.append(text.substr(0, plain));
+            text.remove_prefix(plain);
+            if (!text.empty() && !readEscape(text)) {
+                return {};
+            }
+        }
+        return mText;
+    }
+
+private:
+    static constexpr std::uint32_t sNoCode = 0xFFFFFFFF;
+
+    bool readEscape(std::string_view& text) {
+        if (text.size() < 2) {
+            return false;
+        }
+        constexpr std::string_view sLetters = "\"\\/bfnrt";
+        constexpr std::string_view sMeanings = "\"\\/\b\f\n\r\t";
+        if (text[1] == 'u') {
+            return readCodePoint(text);
+        }
+        const std::size_t letter = sLetters.find(text[1]);
+        if (letter == std::string_view::npos) {
+            return false;
+        }
+        mText += sMeanings[letter];
+        text.remove_prefix(2);
+        return true;
+    }
+
+    /// The code unit of an escape "\uXXXX" at the front of text, which it is taken from.
+    static std::uint32_t takeCodeUnit(std::string_view& text) {
+        constexpr std::size_t sEscapeSize = 6;
+        if (text.size() < sEscapeSize || text[0] != '\\' || text[1] != 'u') {
+            return sNoCode;
+        }
+        std::uint32_t unit = 0;
+        const char* end = text.data() + sEscapeSize;
+        for (const char* digit = text.data() + 2; digit != end; ++digit) {
+            const std::uint32_t value = hexValue(*digit);
+            if (value == sNoCode) {
+                return sNoCode;
+            }
+            unit = unit * 16 + value;
+        }
+        text.remove_prefix(sEscapeSize);
+        return unit;
+    }
+
+    static std::uint32_t hexValue(char digit) {
+        if (digit >= '0' && digit <= '9') {
+            return static_cast<std::uint32_t>(digit - '0');
+        }
+        const char lower = static_cast<char>(digit | 0x20);
+        return lower >= 'a' && lower <= 'f' ? static_cast<std::uint32_t>(lower - 'a') + 10 : sNoCode;
+    }
+
+    bool readCodePoint(std::string_view& text) {
+        std::uint32_t code = takeCodeUnit(text);
+        if (code == sNoCode || (code >= 0xDC00 && code <= 0xDFFF)) {
+            return false;
+        }
+        if (code >= 0xD800 && code <= 0xDBFF) {
+            const std::uint32_t low = takeCodeUnit(text);
+            if (low < 0xDC00 || low > 0xDFFF) {
+                return false;
+            }
+            code = 0x10000 + ((code - 0xD800) << 10) + (low - 0xDC00);
+        }
+        appendUtf8(code);
+        return true;
+    }
+
+    void appendUtf8(std::uint32_t code) {
+        const auto append = [this](std::uint32_t byte) { mText += static_cast<char>(byte); };
+        if (code < 0x80) {
+            append(code);
+            return;
+        }
+        if (code < 0x800) {
+            append(0xC0 | (code >> 6));
+        } else {
+            if (code < 0x10000) {
+                append(0xE0 | (code >> 12));
+            } else {
+                append(0xF0 | (code >> 18));
+                append(0x80 | ((code >> 12) & 0x3F));
+            }
+            append(0x80 | ((code >> 6) & 0x3F));
+        }
+        append(0x80 | (code & 0x3F));
+    }
+
+    std::string mText;
+};
+
+}  // namespace
+
+/// Goes over the text twice: the first stage of simdjson checks the encoding and the quotes and lists where tokens
+/// begin; the second builds the variants from token to token.
+class ktJsonReader::Impl {
+public:
+    bool parse(std::string_view text, ktVariant& value, ktJsonError& error) {
+        mText = text;
+        if (!findTokens(error)) {
+            return false;
+        }
+        mNext = mIndex->structural_indexes.get();
+        mLast = mNext + mIndex->n_structural_indexes;
+        const char* fault = readDocument();
+        if (fault != nullptr) {
+            mBuilder.clear();
+            error.mOffset = mNext == mLast ? text.size() : *mNext;
+            error.mMessage = fault;
+            error.mIsLimit = fault == sTooDeep;
+            return false;
+        }
+        value = mBuilder.take();
+        return true;
+    }
+
+private:
+    static constexpr const char* sTooDeep = "Arrays and objects are nested deeper than this reader accepts.";
+
+    bool findTokens(ktJsonError& error) {
+        if (mText.size() > std::numeric_limits<std::uint32_t>::max() - simdjson::SIMDJSON_PADDING) {
+            error.mMessage = "The text is larger than the 4 GiB that this reader accepts.";
+            error.mIsLimit = true;
+            return false;
+        }
+        growIndex();
+        const auto* bytes = reinterpret_cast<const std::uint8_t*>(mText.data());
+        const simdjson::error_code code = mIndex->stage1(bytes, mText.size(), simdjson::stage1_mode::regular);
+        if (code == simdjson::MEMALLOC) {
+            throw std::bad_alloc();
+        }
+        if (code != simdjson::SUCCESS) {
+            error.mMessage = simdjson::error_message(code);
+            return false;
+        }
+        return true;
+    }
+
+    void growIndex() {
+        if (mIndex != nullptr && mIndex->capacity() >= mText.size()) {
+            return;
+        }
+        // The depth concerns the parser's own second stage, which is not used.
+        constexpr std::size_t sUnusedDepth = 1;
+        mIndex.reset();
+        const simdjson::implementation* active = simdjson::get_active_implementation();
+        if (active->create_dom_parser_implementation(mText.size(), sUnusedDepth, mIndex) != simdjson::SUCCESS) {
+            throw std::bad_alloc();
+        }
+    }
+
+    char tokenCharacter() const { return mNext == mLast ? '\0' : mText[*mNext]; }
+
+    /// Reads the one value of the text. Null, or what is wrong at the next token.
+    const char* readDocument() {
+        const char* fault = readValue();
+        while (fault == nullptr && mBuilder.getDepth() != 0) {
+            fault = mBuilder.isInMap() ? readMapPart() : readListPart();
+        }
+        if (fault == nullptr && mNext != mLast) {
+            fault = "The document must end after its one value.";
+        }
+        return fault;
+    }
+
+    /// What follows a value in a map.
+    const char* readMapPart() {
+        switch (tokenCharacter()) {
+            case '}':
+                ++mNext;
+                mBuilder.end();
+                return nullptr;
+            case ',':
+                ++mNext;
+                return readMember();
+            default:
+                return "Missing a comma or } after an object member.";
+        }
+    }
+
+    /// What follows a value in a list.
+    const char* readListPart() {
+        switch (tokenCharacter()) {
+            case ']':
+                ++mNext;
+                mBuilder.end();
+                return nullptr;
+            case ',':
+                ++mNext;
+                return readValue();
+            default:
+                return "Missing a comma or ] after an array element.";
+        }
+    }
+
+    const char* readMember() {
+        std::string_view key;
+        if (tokenCharacter() != '"' || !readText(key)) {
+            return "Missing a name for object member.";
+        }
+        mBuilder.addKey(key);
+        if (tokenCharacter() != ':') {
+            return "Missing a colon after a name of object member.";
+        }
+        ++mNext;
+        return readValue();
+    }
+
+    const char* readValue() {
+        switch (tokenCharacter()) {
+            case '{':
+                return beginMap();
+            case '[':
+                return beginList();
+            case '"':
+                return readString();
+            case 't':
+                return readWord("true", true);
+            case 'f':
+                return readWord("false", false);
+            case 'n':
+                return readWord("null", ktVariant());
+            default:
+                return readNumber();
+        }
+    }
+
+    bool isTooDeep() const { return mBuilder.getDepth() == sMaxJsonDepth; }
+
+    const char* beginMap() {
+        if (isTooDeep()) {
+            return sTooDeep;
+        }
+        ++mNext;
+        mBuilder.beginMap();
+        if (tokenCharacter() == '}') {
+            ++mNext;
+            mBuilder.end();
+            return nullptr;
+        }
+        return readMember();
+    }
+
+    const char* beginList() {
+        if (isTooDeep()) {
+            return sTooDeep;
+        }
+        ++mNext;
+        mBuilder.beginList();
+        if (tokenCharacter() == ']') {
+            ++mNext;
+            mBuilder.end();
+            return nullptr;
+        }
+        return readValue();
+    }
+
+    const char* readString() {
+        std::string_view text;
+        if (!readText(text)) {
+            return "Invalid escape in string.";
+        }
+        mBuilder.addValue(text);
+        return nullptr;
+    }
+
+    /// The text of the string token, which is passed over; false when an escape is wrong.
+    bool readText(std::string_view& text) {
+        // Behind the string there are only blanks before the next token, so its closing quote is found from there.
+        const std::size_t begin = *mNext + std::size_t{1};
+        std::size_t end = mNext[1] - std::size_t{1};
+        while (mText[end] != '"') {
+            --end;
+        }
+        text = mText.substr(begin, end - begin);
+        if (!text.empty() && std::memchr(text.data(), '\\', text.size()) != nullptr) {
+            text = mUnescaper.unescape(text);
+            if (text.data() == nullptr) {
+                return false;
+            }
+        }
+        ++mNext;
+        return true;
+    }
+
+    template <typename Value>
+    const char* readWord(std::string_view word, Value&& value) {
+        if (mText.compare(*mNext, word.size(), word) != 0 || !endsToken(mText.data() + *mNext + word.size())) {
+            return "Invalid value.";
+        }
+        ++mNext;
+        mBuilder.addValue(std::forward<Value>(value));
+        return nullptr;
+    }
+
+    const char* readNumber() {
+        const char* end = mText.data() + mText.size();
+        const impl::ktJsonNumber number =
+            mNext == mLast ? impl::ktJsonNumber() : impl::ktJsonNumber::parse(mText.data() + *mNext, end);
+        if (number.mEnd == nullptr || !endsToken(number.mEnd)) {
+            return "Invalid value.";
+        }
+        if (std::isinf(number.mReal)) {
+            return "Number too big to be stored in double.";
+        }
+        ++mNext;
+        if (number.mIsInteger) {
+            mBuilder.addValue(number.mInteger);
+        } else {
+            mBuilder.addValue(number.mReal);
+        }
+        return nullptr;
+    }
+
+    /// Whether a number or word may end before position: nothing of the same token follows.
+    bool endsToken(const char* position) const {
+        if (position == mText.data() + mText.size()) {
+            return true;
+        }
+        const char next = *position;
+        return next == ',' || next == '}' || next == ']' || isBlank(next);
+    }
+
+    std::string_view mText;
+    std::unique_ptr<simdjson::internal::dom_parser_implementation> mIndex;
+    const std::uint32_t* mNext = nullptr;  ///< offset of the next token
+    const std::uint32_t* mLast = nullptr;  ///< behind the last token stands the size of the text
+    impl::ktVariantBuilder mBuilder;
+    Unescaper mUnescaper;
+};
+
+ktJsonReader::ktJsonReader() : mImpl(std::make_unique<Impl>()) {}
+
+ktJsonReader::~ktJsonReader() = default;
+
+bool ktJsonReader::parse(std::span<const std::byte> text, ktVariant& value, ktJsonError& error) {
+    std::string_view characters(reinterpret_cast<const char*>(text.data()), text.size());
+    const bool hasMark = characters.starts_with(sByteOrderMark);
+    characters.remove_prefix(hasMark ? sByteOrderMark.size() : 0);
+    value = ktVariant();
+    error = ktJsonError();
+    if (mImpl->parse(characters, value, error)) {
+        return true;
+    }
+    if (error.mIsLimit) {
+        impl::locateJsonError(characters, error);
+    } else {
+        impl::diagnoseJson(characters, error);
+    }
+    error.mOffset += hasMark ? sByteOrderMark.size() : 0;
+    return false;
+}
+
+}  // namespace kt

@@ -1,0 +1,20 @@
+#include "platform/system/ktVariantKey.h"
+
+#include "platform/system/ktVariantStorage_p.h"
+
+#include <ostream>
+
+namespace kt {
+
+std::string_view ktVariantKey::getLongText() const noexcept { return impl::ktVariantStorage::loadLongText(mBytes); }
+
+void ktVariantKey::setLong(std::string_view text) {
+    impl::ktVariantStorage::storeLongText(mBytes, text);
+    setTag(sLongTag);
+}
+
+void ktVariantKey::releaseStorage() noexcept { impl::ktVariantStorage::releaseText(getLongText()); }
+
+std::ostream& operator<<(std::ostream& out, const ktVariantKey& key) { return out << key.view(); }
+
+}  // namespace kt
