@@ -63,19 +63,6 @@ void addLeaders(BoundingBox& box, const ktCadAnnotation& annotation) {
     }
 }
 
-BoundingBox getViewBox(const ktCadAnnotationView& view, float margin) {
-    BoundingBox box;
-    for (const auto& annotation : view.mAnnotations) {
-        addLeaders(box, *annotation);
-        addTree(box, annotation->mRoot.get(), getPlacement(*annotation));
-    }
-    if (box.isEmpty()) {
-        box.addPoint(Point2::ZERO);
-    }
-    box.addMargin({margin, margin});
-    return box;
-}
-
 void writeLeaders(svg::SvgWriter& writer, const ktCadAnnotation& annotation) {
     if (annotation.mSegments.empty() && annotation.mShapes.empty()) {
         return;
@@ -117,7 +104,7 @@ void writeAnnotations(svg::SvgWriter& writer, const ktCadAnnotationView& view, s
                       Write write) {
     for (const auto& annotation : view.mAnnotations) {
         std::size_t next = writer.getWarnings().size();
-        write(writer, *annotation);
+        write(*annotation);
         for (; next < writer.getWarnings().size(); ++next) {
             warnings.push_back("annotation '" + annotation->mName + "': " + writer.getWarnings()[next]);
         }
@@ -129,11 +116,22 @@ void writeAnnotations(svg::SvgWriter& writer, const ktCadAnnotationView& view, s
 void ktCadViewSvgWriter::write(const ktCadAnnotationView& view, std::string& file,
                                std::vector<std::string>& warnings) const {
     file.clear();
+    BoundingBox box;
     svg::SvgWriter writer(file, {mOptions.mTextMode, mOptions.mLineWidth});
-    writer.startDocument(getViewBox(view, mOptions.mMargin), view.mName);
-    writeAnnotations(writer, view, warnings, writeLeaders);
-    writeAnnotations(writer, view, warnings, writeContent);
-    writer.endDocument();
+    writer.startDocument(view.mName);
+    writeAnnotations(writer, view, warnings, [&](const ktCadAnnotation& annotation) {
+        writeLeaders(writer, annotation);
+        addLeaders(box, annotation);
+    });
+    writeAnnotations(writer, view, warnings, [&](const ktCadAnnotation& annotation) {
+        writeContent(writer, annotation);
+        addTree(box, annotation.mRoot.get(), getPlacement(annotation));
+    });
+    if (box.isEmpty()) {
+        box.addPoint(Point2::ZERO);
+    }
+    box.addMargin({mOptions.mMargin, mOptions.mMargin});
+    writer.endDocument(box);
 }
 
 }  // namespace kt

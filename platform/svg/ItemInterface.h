@@ -7,6 +7,7 @@
 #include "platform/svg/ktSvgExport.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -28,21 +29,24 @@ public:
     Kind getKind() const { return mKind; }
 
     /// Fill colour as SVG writes it: "#RRGGBB" or "none".
-    const std::optional<std::string>& getColor() const { return mColor; }
-    void setColor(std::string color) { mColor = std::move(color); }
+    const std::optional<std::string>& getColor() const { return getAttributes().mColor; }
+    void setColor(std::string color) { editAttributes().mColor = std::move(color); }
 
     /// Outline (stroke) colour as SVG writes it: "#RRGGBB" or "none".
-    const std::optional<std::string>& getOutlineColor() const { return mOutlineColor; }
-    void setOutlineColor(std::string color) { mOutlineColor = std::move(color); }
+    const std::optional<std::string>& getOutlineColor() const { return getAttributes().mOutlineColor; }
+    void setOutlineColor(std::string color) { editAttributes().mOutlineColor = std::move(color); }
 
-    const std::optional<std::string>& getClass() const { return mClass; }
-    void setClass(std::string text) { mClass = std::move(text); }
+    const std::optional<std::string>& getClass() const { return getAttributes().mClass; }
+    void setClass(std::string text) { editAttributes().mClass = std::move(text); }
 
-    const std::optional<std::string>& getId() const { return mId; }
-    void setId(std::string text) { mId = std::move(text); }
+    const std::optional<std::string>& getId() const { return getAttributes().mId; }
+    void setId(std::string text) { editAttributes().mId = std::move(text); }
 
-    const std::optional<int>& getStyleOption() const { return mStyleOption; }
-    void setStyleOption(int option) { mStyleOption = option; }
+    const std::optional<int>& getStyleOption() const { return getAttributes().mStyleOption; }
+    void setStyleOption(int option) { editAttributes().mStyleOption = option; }
+
+    /// Whether any of the attributes above is set.
+    bool hasAttributes() const { return mAttributes != nullptr; }
 
     /// Maps the item's own coordinates to those of the enclosing group.
     const std::optional<Transform>& getTransform() const { return mTransform; }
@@ -53,17 +57,26 @@ public:
 
 protected:
     explicit ItemInterface(Kind kind) : mKind(kind) {}
-    ItemInterface(const ItemInterface&) = default;
-    ItemInterface& operator=(const ItemInterface&) = default;
+    ItemInterface(const ItemInterface& other);
+    ItemInterface& operator=(const ItemInterface& other);
 
 private:
-    std::optional<Transform> mTransform;
-    std::optional<std::string> mColor;
-    std::optional<std::string> mOutlineColor;
-    std::optional<std::string> mClass;
-    std::optional<std::string> mId;
-    std::optional<int> mStyleOption;
+    /// Most items of a drawing inherit everything, so that these stand apart: what is small stays in the cache.
+    struct Attributes {
+        std::optional<std::string> mColor;
+        std::optional<std::string> mOutlineColor;
+        std::optional<std::string> mClass;
+        std::optional<std::string> mId;
+        std::optional<int> mStyleOption;
+    };
+    static const Attributes sNoAttributes;
+
+    const Attributes& getAttributes() const { return mAttributes ? *mAttributes : sNoAttributes; }
+    Attributes& editAttributes();
+
     Kind mKind;
+    std::optional<Transform> mTransform;
+    std::unique_ptr<Attributes> mAttributes;
 };
 
 }  // namespace kt::svg

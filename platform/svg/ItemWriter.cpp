@@ -129,21 +129,6 @@ bool SvgWriter::isWritable(const ItemInterface& item) {
 ItemWriter::ItemWriter(std::string& output, const SvgWriter::Options& options)
     : mBuffer(output), mTextMode(options.mTextMode) {}
 
-std::string ItemWriter::takeDefinitions(float lineWidth) {
-    std::string definitions;
-    if (mHasFixedOutlines) {
-        // An outline that keeps its width is as wide on the screen as in the drawing at its natural size: 96 pixels to
-        // an inch. Renderers that do not know such outlines skip the rule and scale the drawing's line width.
-        constexpr double pixelsPerMillimetre = 96.0 / 25.4;
-        char number[sMaxNumberLength];
-        const char* end = formatCoordinate(number, static_cast<double>(lineWidth) * pixelsPerMillimetre);
-        definitions.append("<style>@supports(vector-effect:non-scaling-stroke){[vector-effect]{stroke-width:");
-        definitions.append(number, static_cast<std::size_t>(end - number));
-        definitions.append("px}}</style>\n");
-    }
-    return definitions.append(mGlyphs.takeElement());
-}
-
 void ItemWriter::warn(std::string_view item, std::string_view problem) {
     std::string& warning = mWarnings.emplace_back(item);
     warning.append(" was left out: ").append(problem);
@@ -151,6 +136,9 @@ void ItemWriter::warn(std::string_view item, std::string_view problem) {
 
 Paint ItemWriter::getPaint(const ItemInterface& item, const Paint& inherited) {
     Paint paint = inherited;
+    if (!item.hasAttributes()) {
+        return paint;
+    }
     const auto choose = [this](const std::optional<std::string>& own, std::string_view& color) {
         if (own && isColor(*own)) {
             color = *own;
@@ -230,7 +218,6 @@ void ItemWriter::appendTitle(std::string_view title) {
 void ItemWriter::appendOutlineStyle(const ItemInterface& item) {
     if (item.getStyleOption() == ItemInterface::sStyleNonScalingStroke) {
         mBuffer.append(" vector-effect=\"non-scaling-stroke\"");
-        mHasFixedOutlines = true;
     }
 }
 
@@ -240,7 +227,7 @@ void ItemWriter::appendCommon(const ItemInterface& item, const Affine& map, cons
         appendTransform(map, context.mScale);
     }
     appendPaint(paint, context.mWritten);
-    if (item.getId() || item.getClass()) {
+    if (item.hasAttributes()) {
         appendNames(item);
     }
 }

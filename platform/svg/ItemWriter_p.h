@@ -56,10 +56,8 @@ public:
 
     void warn(std::string_view item, std::string_view problem);
 
-    /// What belongs at the beginning of the file, known when everything is written.
-    std::string takeDefinitions(float lineWidth);
-
     TextBuffer& getBuffer() { return mBuffer; }
+    GlyphDefinitions& getGlyphs() { return mGlyphs; }
     const std::vector<std::string>& getWarnings() const { return mWarnings; }
 
 private:
@@ -89,7 +87,6 @@ private:
 
     TextBuffer mBuffer;
     SvgWriter::TextMode mTextMode;
-    bool mHasFixedOutlines = false;  ///< there are outlines that keep their width on the screen
     std::unordered_set<std::string> mIds;
     GlyphDefinitions mGlyphs;
     std::vector<PlacedGlyph> mPlacedGlyphs;

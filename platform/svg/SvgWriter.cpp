@@ -23,6 +23,9 @@ constexpr int sMaxGroupDepth = SvgWriter::sMaxDepth - 2;
 /// Lines go on in another element when one has this many bytes.
 constexpr std::size_t sLinesSize = 1'000'000;
 
+/// Room for the extent of a drawing of usual size; when it needs more, the file is moved.
+constexpr std::size_t sViewSize = 110;
+
 /// Least extent of a drawing, in millimetres: without width or height nothing would be shown.
 constexpr double sMinExtent = 1.0;
 
@@ -58,8 +61,8 @@ public:
     Document(std::string& output, const Options& options)
         : mOutput(output), mOptions(options), mItems(output, options) {}
 
-    void start(const BoundingBox& viewBox, std::string_view title);
-    void end();
+    void start(std::string_view title);
+    void end(const BoundingBox& viewBox);
     bool startGroup(const Group& group);
     void endGroup();
     void startLines();
@@ -88,6 +91,9 @@ private:
         bool mIsOpen;  ///< has an element of its own
     };
 
+    void appendLineRule();
+    /// The attributes of the root element that are known at the end.
+    std::string makeView(const BoundingBox& viewBox) const;
     WriteContext getContext() const;
     std::optional<TreeGroup> enter(const Node& node, const WriteContext& context);
     void leave(const TreeGroup& group);
@@ -102,21 +108,41 @@ private:
     std::vector<CallerGroup> mCallerGroups;
     std::vector<TreeGroup> mTreeGroups;
     int mDepth = 0;
+    std::size_t mViewPosition = 0;
     std::size_t mDefinitionsPosition = 0;
     std::size_t mLinesStart = 0;
     std::size_t mLinesContentStart = 0;
 };
 
-void SvgWriter::Document::start(const BoundingBox& viewBox, std::string_view title) {
+void SvgWriter::Document::start(std::string_view title) {
+    mBuffer.append("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\"");
+    mViewPosition = mBuffer.getSize();
+    mBuffer.append(std::string(sViewSize, ' '));
+    mBuffer.append(">\n");
+    mDepth = 1;
+    mItems.appendTitle(title);
+    appendLineRule();
+    mDefinitionsPosition = mBuffer.getSize();
+}
+
+void SvgWriter::Document::appendLineRule() {
+    // An outline that keeps its width is as wide on the screen as in the drawing at its natural size: 96 pixels to an
+    // inch. Renderers that do not know such outlines skip the rule and scale the drawing's line width.
+    constexpr double pixelsPerMillimetre = 96.0 / 25.4;
+    mBuffer.append("<style>@supports(vector-effect:non-scaling-stroke){[vector-effect]{stroke-width:");
+    mBuffer.commit(formatCoordinate(mBuffer.reserve(sMaxNumberLength),
+                                    static_cast<double>(mOptions.mLineWidth) * pixelsPerMillimetre));
+    mBuffer.append("px}}</style>\n");
+}
+
+std::string SvgWriter::Document::makeView(const BoundingBox& viewBox) const {
     const bool isFinite = !viewBox.isEmpty() && std::isfinite(viewBox.getMinPoint().x + viewBox.getMinPoint().y) &&
                           std::isfinite(viewBox.getMaxPoint().x + viewBox.getMaxPoint().y);
     const BoundingBox box = isFinite ? viewBox : BoundingBox({}, {});
     const ViewRange x = makeViewRange(box.getMinPoint().x, box.getMaxPoint().x);
     const ViewRange y = makeViewRange(box.getMinPoint().y, box.getMaxPoint().y);
-    constexpr std::size_t headSize = 512;
-    char* out = mBuffer.reserve(headSize);
-    out = putLiteral(out,
-                     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"");
+    char text[512];
+    char* out = putLiteral(text, " width=\"");
     out = formatCoordinate(out, x.mExtent);
     out = putLiteral(out, "mm\" height=\"");
     out = formatCoordinate(out, y.mExtent);
@@ -128,16 +154,17 @@ void SvgWriter::Document::start(const BoundingBox& viewBox, std::string_view tit
     out = formatCoordinate(out, y.mExtent);
     out = putLiteral(out, "\" stroke-width=\"");
     out = formatCoordinate(out, static_cast<double>(mOptions.mLineWidth));
-    mBuffer.commit(putLiteral(out, "\">\n"));
-    mDepth = 1;
-    mItems.appendTitle(title);
-    mDefinitionsPosition = mBuffer.getSize();
+    *out++ = '"';
+    return {text, out};
 }
 
-void SvgWriter::Document::end() {
+void SvgWriter::Document::end(const BoundingBox& viewBox) {
     mBuffer.append("</svg>\n");
     mBuffer.flush();
-    mOutput.insert(mDefinitionsPosition, mItems.takeDefinitions(mOptions.mLineWidth));
+    mOutput.insert(mDefinitionsPosition, mItems.getGlyphs().takeElement());
+    const std::string view = makeView(viewBox);
+    // Blanks that are left over stay: closing the gap would move the whole file.
+    mOutput.replace(mViewPosition, std::min(view.size(), sViewSize), view);
     mDepth = 0;
 }
 
@@ -304,7 +331,7 @@ SvgWriter::SvgWriter(std::string& output, const Options& options)
 
 SvgWriter::~SvgWriter() = default;
 
-void SvgWriter::startDocument(const BoundingBox& viewBox, std::string_view title) { mDocument->start(viewBox, title); }
+void SvgWriter::startDocument(std::string_view title) { mDocument->start(title); }
 
 bool SvgWriter::startGroup(const Group& group) { return mDocument->startGroup(group); }
 
@@ -322,7 +349,7 @@ void SvgWriter::writeItem(const ItemInterface& item, const Transform* placement)
     mDocument->writeTree(item, placement != nullptr ? Affine(*placement) : Affine());
 }
 
-void SvgWriter::endDocument() { mDocument->end(); }
+void SvgWriter::endDocument(const BoundingBox& viewBox) { mDocument->end(viewBox); }
 
 const std::vector<std::string>& SvgWriter::getWarnings() const { return mDocument->getWarnings(); }
 

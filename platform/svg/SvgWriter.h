@@ -58,9 +58,7 @@ public:
     static bool isWritable(const ItemInterface& item);
 
     /// Begins the file.
-    /// @param viewBox  the part of the plane that is shown, in millimetres, y down. A box without width or height is
-    ///                 widened to a millimetre; one that is empty or not finite becomes a millimetre at the origin.
-    void startDocument(const BoundingBox& viewBox, std::string_view title);
+    void startDocument(std::string_view title);
 
     /// Opens a group; false, and nothing is opened, when its transform is not finite (a warning says so). Groups nest
     /// freely up to half of sMaxDepth; deeper ones are a programming error.
@@ -76,8 +74,12 @@ public:
     /// @param placement  applied last; null: none.
     void writeItem(const ItemInterface& item, const Transform* placement = nullptr);
 
-    /// Completes the file.
-    void endDocument();
+    /// Completes the file. The part of the plane that is shown comes last, so that it can be found while writing: what
+    /// has just been written is still in the cache.
+    /// @param viewBox  in millimetres, y down. A box without width or height is widened to a millimetre; one that is
+    /// empty
+    ///                 or not finite becomes a millimetre at the origin.
+    void endDocument(const BoundingBox& viewBox);
 
     /// What was left out or replaced, in order, one English sentence part each ("an image was left out: ...").
     const std::vector<std::string>& getWarnings() const;
