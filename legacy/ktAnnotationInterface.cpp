@@ -251,18 +251,24 @@ ktAnnotationInterface& ktAnnotationInterface::operator=(const ktAnnotationInterf
     if (&other == this) {
         return *this;
     }
-    // The other may be one of this annotation's own descendants: its tree is copied before, and the old children are
-    // released after anything else.
+    // The other may be a part of this annotation's own tree or the other way round: it is copied as a whole first, and
+    // the old content goes last.
     ktAnnotationInterface copy(other);
-    mLeaders.swap(copy.mLeaders);
-    mMeasureLeaders.swap(copy.mMeasureLeaders);
-    mPosition = copy.mPosition;
-    mColor = copy.mColor;
-    mName.swap(copy.mName);
-    std::swap(mMetadata, copy.mMetadata);
-    setFlags(copy.getFlags());
-    std::swap(mSubAnnots, copy.mSubAnnots);
+    swapContent(copy);
     return *this;
+}
+
+void ktAnnotationInterface::swapContent(ktAnnotationInterface& other) noexcept {
+    mLeaders.swap(other.mLeaders);
+    mMeasureLeaders.swap(other.mMeasureLeaders);
+    std::swap(mPosition, other.mPosition);
+    std::swap(mColor, other.mColor);
+    mName.swap(other.mName);
+    mMetadata.swap(other.mMetadata);
+    std::swap(mSubAnnots, other.mSubAnnots);
+    const std::uint8_t flags = getFlags();
+    setFlags(other.getFlags());
+    other.setFlags(flags);
 }
 
 ktAnnotationInterface::~ktAnnotationInterface() { removeSubAnnots(); }

@@ -207,6 +207,9 @@ protected:
     /// Gives an annotation without children, as the constructor above leaves it, copies of the other's.
     void copyChildrenOf(const ktAnnotationInterface& other);
 
+    /// Exchanges everything but the kind.
+    void swapContent(ktAnnotationInterface& other) noexcept;
+
     /// Reads the leader list of a record.
     void loadLeaders(kt::ktBaseStream& stream);
     /// Reads position, colour and flags of a record.

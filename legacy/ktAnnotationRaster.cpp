@@ -22,10 +22,11 @@ ktAnnotationRaster& ktAnnotationRaster::operator=(const ktAnnotationRaster& othe
     if (&other == this) {
         return *this;
     }
-    // The base goes last: with it goes the tree that the other may be a part of.
-    mRasterName = other.mRasterName;
-    mSizeEm = other.mSizeEm;
-    ktAnnotationInterface::operator=(other);
+    // The copy first: one of the two may be a part of the other's tree.
+    ktAnnotationRaster copy(other);
+    swapContent(copy);
+    mRasterName.swap(copy.mRasterName);
+    mSizeEm = copy.mSizeEm;
     return *this;
 }
 

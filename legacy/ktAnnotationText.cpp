@@ -282,11 +282,11 @@ ktAnnotationText& ktAnnotationText::operator=(const ktAnnotationText& other) {
     if (&other == this) {
         return *this;
     }
-    // The base goes last: with it goes the tree that the other may be a part of.
-    Lines lines(other.mLines);
-    mDefaultTextProperties = other.mDefaultTextProperties;
-    mLines.swap(lines);
-    ktAnnotationInterface::operator=(other);
+    // The copy first: one of the two may be a part of the other's tree.
+    ktAnnotationText copy(other);
+    swapContent(copy);
+    std::swap(mDefaultTextProperties, copy.mDefaultTextProperties);
+    mLines.swap(copy.mLines);
     return *this;
 }
 
