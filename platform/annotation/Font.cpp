@@ -104,16 +104,6 @@ private:
 
 }  // namespace
 
-void InkBox::addBox(const InkBox& box, std::int64_t x, std::int64_t y) {
-    if (box.isEmpty()) {
-        return;
-    }
-    mLeft = std::min(mLeft, box.mLeft + x);
-    mRight = std::max(mRight, box.mRight + x);
-    mBottom = std::min(mBottom, box.mBottom + y);
-    mTop = std::max(mTop, box.mTop + y);
-}
-
 /// Reads outlines through FreeType from the bytes that the shaping font maps. One thread at a time.
 class Font::OutlineReader {
 public:

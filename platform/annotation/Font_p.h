@@ -7,6 +7,7 @@
 
 #include <hb.h>
 
+#include <algorithm>
 #include <array>
 #include <compare>
 #include <cstdint>
@@ -32,7 +33,14 @@ struct FontSource {
 /// Ink box of a glyph or run in font units, y up. Starts empty.
 struct InkBox {
     bool isEmpty() const { return mLeft > mRight; }
-    void addBox(const InkBox& box, std::int64_t x, std::int64_t y);
+    void addBox(const InkBox& box, std::int64_t x, std::int64_t y) {
+        if (!box.isEmpty()) {
+            mLeft = std::min(mLeft, box.mLeft + x);
+            mRight = std::max(mRight, box.mRight + x);
+            mBottom = std::min(mBottom, box.mBottom + y);
+            mTop = std::max(mTop, box.mTop + y);
+        }
+    }
 
     std::int64_t mLeft = INT32_MAX;
     std::int64_t mBottom = INT32_MAX;

@@ -58,6 +58,7 @@ bool TextLayout::layOut(const TextArea& area) {
     mRuns.clear();
     mWidth = 0.0;
     mHeight = 0.0;
+    mDefaultFonts = &findFonts(area.mDefaultProperties);
     for (const TextArea::Line& line : area.mLines) {
         if (!layOutLine(area, line)) {
             return false;
@@ -203,7 +204,7 @@ TextLayout::SegmentStyle TextLayout::makeStyle(const TextArea& area, const TextS
     SegmentStyle style;
     style.mHasOwnProperties = segment != nullptr && segment->getProperties().has_value();
     style.mProperties = style.mHasOwnProperties ? &*segment->getProperties() : &area.mDefaultProperties;
-    style.mFonts = &findFonts(*style.mProperties);
+    style.mFonts = style.mHasOwnProperties ? &findFonts(*style.mProperties) : mDefaultFonts;
     style.mSize = getUsableSize(style.mProperties->mFontSize);
     const Font* font = style.mFonts->getMainFont();
     if (segment == nullptr || segment->getType() == TextSegment::Normal || font == nullptr) {

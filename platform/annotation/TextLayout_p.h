@@ -76,6 +76,7 @@ private:
 
     std::unordered_map<std::string, std::unique_ptr<StyleFonts>> mFonts;
     std::string mFontsKey;
+    StyleFonts* mDefaultFonts = nullptr;  ///< of the area at work
     RunShaper mShaper;
 
     std::vector<LaidOutLine> mLines;

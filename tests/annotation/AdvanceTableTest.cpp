@@ -1,0 +1,131 @@
+#include "platform/annotation/AdvanceTable_p.h"
+#include "tests/annotation/ReferenceShaping.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <optional>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace kt::text {
+namespace {
+
+using test::ReferenceFont;
+using test::ReferenceGlyph;
+using test::ReferenceRun;
+
+void appendUtf8(char32_t character, std::string& text) {
+    if (character < 0x80) {
+        text += static_cast<char>(character);
+    } else if (character < 0x800) {
+        text += static_cast<char>(0xC0U | (character >> 6));
+        text += static_cast<char>(0x80U | (character & 0x3FU));
+    } else {
+        text += static_cast<char>(0xE0U | (character >> 12));
+        text += static_cast<char>(0x80U | ((character >> 6) & 0x3FU));
+        text += static_cast<char>(0x80U | (character & 0x3FU));
+    }
+}
+
+/// What the table says about a text; nothing when the table leaves the text to shaping.
+std::optional<ReferenceRun> measure(const AdvanceTable& table, const std::u32string& text) {
+    ReferenceRun run;
+    std::optional<AdvanceTable::Index> last;
+    for (const char32_t character : text) {
+        const std::optional<AdvanceTable::Index> index = table.findIndex(character);
+        if (!index) {
+            return std::nullopt;
+        }
+        if (last) {
+            const int kerning = table.getKerning(*last, *index);
+            if (kerning == AdvanceTable::sNotAdditive) {
+                return std::nullopt;
+            }
+            run.mAdvance += kerning;
+        }
+        const AdvanceTable::Glyph& glyph = table.getGlyph(*index);
+        run.mGlyphs.push_back({glyph.mGlyph, run.mAdvance, 0});
+        run.mAdvance += glyph.mAdvance;
+        last = index;
+    }
+    return run;
+}
+
+/// Origins of glyphs as drawn; old kerning tables split a pair's kerning, which moves no origin of the following
+/// glyphs.
+class AdvanceTableTest : public testing::TestWithParam<const char*> {
+protected:
+    AdvanceTableTest()
+        : mReference(GetParam()), mFont(Font::open({.mPath = mReference.getPath(), .mIndex = mReference.getIndex()})) {}
+
+    void SetUp() override { ASSERT_TRUE(mReference.isInstalled()) << GetParam() << " is needed by the tests"; }
+
+    /// Characters that texts are drawn from: mostly those that kern and join, all others now and then.
+    std::u32string makeText(std::mt19937& random) const {
+        static constexpr std::u32string_view sLively = U"AVTWYLPFafijltvwy.,-fi ";
+        std::u32string text;
+        const std::size_t length = 1 + random() % 16;
+        while (text.size() < length) {
+            const auto any = static_cast<char32_t>(random() % 4 != 0 ? 0x20 + random() % 0x60 : 0xA0 + random() % 0x60);
+            const char32_t character = random() % 3 == 0 ? sLively[random() % sLively.size()] : any;
+            if (AdvanceTable::isCandidate(character)) {
+                text += character;
+            }
+        }
+        return text;
+    }
+
+    ReferenceFont mReference;
+    std::shared_ptr<const Font> mFont;
+};
+
+TEST_P(AdvanceTableTest, PlacesEveryGlyphWhereShapingDoes) {
+    constexpr int sTextCount = 20'000;
+    // Texts that the table leaves to shaping do not count, but must stay the exception.
+    constexpr int sMaxDrawnCount = 2 * sTextCount;
+    const AdvanceTable& table = mFont->getAdvanceTable();
+    std::mt19937 random(20);
+    int measuredCount = 0;
+    for (int drawnCount = 0; measuredCount < sTextCount && drawnCount < sMaxDrawnCount; ++drawnCount) {
+        const std::u32string text = makeText(random);
+        const std::optional<ReferenceRun> measured = measure(table, text);
+        if (!measured) {
+            continue;
+        }
+        ++measuredCount;
+        std::string bytes;
+        for (const char32_t character : text) {
+            appendUtf8(character, bytes);
+        }
+        const ReferenceRun shaped = test::shapeReference(mReference, bytes);
+        ASSERT_EQ(measured->mAdvance, shaped.mAdvance) << bytes;
+        ASSERT_EQ(measured->mGlyphs, shaped.mGlyphs) << bytes;
+    }
+    EXPECT_EQ(measuredCount, sTextCount);
+}
+
+TEST_P(AdvanceTableTest, ServesTheTextsOfDrawings) {
+    const AdvanceTable& table = mFont->getAdvanceTable();
+    const std::array<std::u32string_view, 5> texts{U"35 +0.2", U"R12.5 TYP", U"4X M8 - 6H", U"45\u00B0 \u00B10.1",
+                                                   U"UNLESS OTHERWISE NOTED"};
+    for (const std::u32string_view text : texts) {
+        EXPECT_TRUE(measure(table, std::u32string(text))) << text.size();
+    }
+}
+
+TEST_P(AdvanceTableTest, LeavesOutWhatDependsOnMoreThanItsNeighbour) {
+    const AdvanceTable& table = mFont->getAdvanceTable();
+    for (const char32_t character : {0x2044U, 0x00ADU, 0x0301U, 0x200DU, 0x0628U, 0x05D0U, 0x0915U}) {
+        EXPECT_EQ(table.findIndex(character), std::nullopt) << std::hex << static_cast<unsigned>(character);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Fonts, AdvanceTableTest,
+                         testing::Values("Liberation Sans", "Liberation Serif", "Liberation Mono", "DejaVu Sans",
+                                         "Noto Sans", "Liberation Sans:bold:italic", "Noto Serif"));
+
+}  // namespace
+}  // namespace kt::text
