@@ -30,11 +30,11 @@ public:
     /// Flushes the results. On failure says so (not when the reader of a pipe simply left) and gives false.
     bool finish();
 
-    bool isOutputTerminal() const;
-    bool isErrorTerminal() const;
+    static bool isOutputTerminal();
+    static bool isErrorTerminal();
     /// Whether results are shown in colour: by default when standard output is a terminal that knows colours and
     /// NO_COLOR is not set.
-    bool isColored(ColorMode mode) const;
+    static bool isColored(ColorMode mode);
 
 private:
     TextOutput mOut;

@@ -4,7 +4,6 @@
 /// The documents that the command line names.
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace ktannot {
@@ -36,8 +35,6 @@ public:
 
 private:
     void add(const std::string& argument);
-    void addFolder(const std::string& folder);
-    void addFailure(const std::string& source, std::string_view what, int error);
 
     std::vector<Input> mInputs;
 };

@@ -11,6 +11,7 @@
 #include <concepts>
 #include <cstdint>
 #include <string_view>
+#include <vector>
 
 namespace ktannot {
 
@@ -88,7 +89,10 @@ private:
     void writeQuoted(std::string_view utf8);
     void writeHex(std::string_view bytes);
     void writeEscape(char32_t code);
+    struct OpenContainer;
     void scalar(const kt::ktVariant& value);
+    /// Writes the rest of maps and lists that lie within each other; their opening brackets are written already.
+    void containers(std::vector<OpenContainer> path);
 
     TextOutput& mOutput;
     bool mNeedsSeparator = false;

@@ -41,15 +41,22 @@ public:
     };
 
     struct View {
-        kt::ktPointer<ktLegacy::ktAnnotationView> mView;  ///< null: it could not be made
+        kt::ktPointer<ktLegacy::ktAnnotationView> mView;  ///< null when it is missing or released
         std::string mVersion;                             ///< of variant documents only: each view has its own
         std::size_t mMessagesBegin = 0;                   ///< the view's part of the messages
         std::size_t mMessagesEnd = 0;
+        bool mIsMissing = false;  ///< it could not be made
     };
 
-    /// Reads an input, whatever it is. Throws nothing but std::bad_alloc.
-    static LegacyDocument load(const Input& input);
-    /// Reads a document from memory; the bytes are needed during the call only.
+    /// Memory that the tree of a variant document may take for each of its bytes.
+    static constexpr std::uint64_t sVariantMemoryPerByte = 16;
+
+    /// Reads an input, whatever it is. Throws nothing: what finds no memory is unreadable.
+    /// @param memoryLimit  bytes that reading may take. By default a stream has the budget that goes with its size and
+    /// a
+    ///                     variant document has none.
+    static LegacyDocument load(const Input& input, std::optional<std::uint64_t> memoryLimit = std::nullopt);
+    /// Reads a document from memory; the bytes are needed during the call only. Throws std::bad_alloc.
     static LegacyDocument load(const std::string& source, std::span<const std::byte> bytes);
 
     LegacyDocument(LegacyDocument&&) noexcept = default;
@@ -81,7 +88,8 @@ public:
     void releaseView(std::size_t index) { mViews[index].mView.reset(); }
 
 private:
-    explicit LegacyDocument(std::string source) : mSource(std::move(source)) {}
+    explicit LegacyDocument(std::string source, std::optional<std::uint64_t> memoryLimit = std::nullopt)
+        : mSource(std::move(source)), mMemoryLimit(memoryLimit) {}
 
     void read(std::span<const std::byte> bytes, bool isSkippedWithoutViewMap);
     void readStream(std::span<const std::byte> bytes);
@@ -96,6 +104,7 @@ private:
     std::vector<View> mViews;
     std::vector<std::string> mMessages;
     std::vector<Problem> mProblems;
+    std::optional<std::uint64_t> mMemoryLimit;
     State mState = State::Loaded;
     Kind mKind = Kind::Variant;
     bool mHasStreamError = false;
