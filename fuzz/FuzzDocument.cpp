@@ -1,0 +1,26 @@
+/// @file
+/// Whole binary documents, as the tool reads them. Contract: nothing worse than a refusal or reported problems.
+
+#include "library/ktAnnotationLegacyLibrary.h"
+#include "tools/ktannot/LegacyDocument.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    kt::initializeKtAnnotationLegacyLibrary();
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static constexpr char sMagic[] = {'K', 'T', 'S', 'T', 'R', 'E', 'A', 'M'};
+    std::vector<std::uint8_t> document(data, data + size);
+    // Inputs without the magic would only exercise the other reader.
+    for (std::size_t index = 0; index < sizeof(sMagic) && index < size; ++index) {
+        document[index] = static_cast<std::uint8_t>(sMagic[index]);
+    }
+    ktannot::LegacyDocument::load("fuzz", std::as_bytes(std::span(document)));
+    return 0;
+}

@@ -1,0 +1,34 @@
+/// @file
+/// The stored form of variant maps. Contract: nothing worse than the stream's error flag or the memory budget, and what
+/// was read can be copied, compared and converted.
+
+#include "platform/system/ktBaseStream.h"
+#include "platform/system/ktInstanceMetaData.h"
+#include "platform/system/ktLimits.h"
+#include "platform/system/ktVariant.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <new>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    kt::ktBaseStream stream(data, size, kt::ktStreamVersion(6, 27));
+    stream.setMemoryBudget(kt::getMemoryBudget(size) / 10);
+    kt::ktVariant::ktVariantMapImpl map;
+    try {
+        kt::ktInstanceMetaData::LoadVariantMap(stream, map);
+    } catch (const std::bad_alloc&) {
+        return 0;
+    }
+    const kt::ktVariant value(map);
+    for (const auto& [key, entry] : map) {
+        if (map.find(key) == map.end()) {
+            std::abort();
+        }
+        static_cast<void>(entry.toString());
+        static_cast<void>(entry.toReal());
+        static_cast<void>(entry.toBool());
+    }
+    return 0;
+}
