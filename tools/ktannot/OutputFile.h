@@ -3,28 +3,48 @@
 /// @file
 /// Whole files or none.
 
+#include "tools/ktannot/FileDescriptor.h"
+
 #include <string>
 #include <string_view>
 
 namespace ktannot {
 
-/// Writes a file so that its final name only ever stands for the whole content: through a temporary file beside it and
-/// a rename. A temporary file that was not completed is removed.
+/// A file whose final name only ever stands for the whole content: it is written under a temporary name beside it and
+/// renamed at the end. What is not published vanishes with the object.
 class OutputFile {
 public:
+    /// What publish() does with a file that has the final name already.
     enum class Existing { Keep, Replace };
 
-    /// The failure of write() when the final name is taken and must be kept.
+    /// The failure of publish() when the final name is taken and must be kept.
     static constexpr std::string_view sExistsAlready = "exists already";
 
-    /// Creates the folder of a file with all folders above it.
-    /// @return the reason of a failure, empty on success.
-    static std::string createFolders(const std::string& path);
+    /// Creates the temporary file, and the folder with all folders above it when there is none.
+    /// @param path  the final name.
+    explicit OutputFile(std::string path);
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+    ~OutputFile();
 
-    /// Writes the content under the path.
-    /// @param existing  Keep: a file that exists under the final name is left alone, and that is a failure.
-    /// @return the reason of a failure, empty on success.
-    static std::string write(const std::string& path, std::string_view content, Existing existing);
+    /// Why the file could not be created; empty when it was.
+    const std::string& getFailure() const { return mFailure; }
+    /// To write to; below 0 when the file could not be created.
+    int getDescriptor() const { return mFile.get(); }
+
+    /// Appends the content. Returns the reason of a failure, empty on success.
+    std::string write(std::string_view content);
+    /// Gives the file its final name. Returns the reason of a failure, empty on success.
+    std::string publish(Existing existing);
+
+private:
+    void create();
+
+    std::string mPath;
+    std::string mTemporaryPath;
+    std::string mFailure;
+    FileDescriptor mFile;
+    bool mIsOnDisk = false;
 };
 
 }  // namespace ktannot

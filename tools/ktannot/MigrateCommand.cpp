@@ -1,0 +1,284 @@
+#include "tools/ktannot/MigrateCommand.h"
+
+#include "tools/ktannot/DocumentMigrator.h"
+#include "tools/ktannot/MetadataAcceptance.h"
+#include "tools/ktannot/MigrationCounts.h"
+#include "tools/ktannot/MigrationReportFile.h"
+#include "tools/ktannot/MigrationReportText.h"
+#include "tools/ktannot/ProgressBar.h"
+#include "tools/ktannot/StopSignal.h"
+#include "tools/ktannot/TerminalText.h"
+#include "tools/ktannot/UsageError.h"
+
+#include <CLI/CLI.hpp>
+#include <oneapi/tbb/enumerable_thread_specific.h>
+#include <oneapi/tbb/global_control.h>
+#include <oneapi/tbb/info.h>
+#include <oneapi/tbb/parallel_pipeline.h>
+#include <oneapi/tbb/task_arena.h>
+
+#include <charconv>
+#include <cmath>
+#include <csignal>
+#include <exception>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <new>
+#include <utility>
+
+namespace ktannot {
+
+namespace {
+
+/// Stack of the threads that read documents: the deepest tree that is read needs a part of it even in sanitizer builds.
+constexpr std::size_t sThreadStackSize = 16U * 1024 * 1024;
+
+/// Bytes from a number with an optional suffix K, M or G; nothing when it is neither.
+std::optional<std::uint64_t> parseSize(const std::string& text) {
+    std::uint64_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    const std::string suffix(end, text.data() + text.size());
+    static const std::map<std::string, int> sShifts{{"", 0}, {"K", 10}, {"M", 20}, {"G", 30}};
+    const auto shift = sShifts.find(suffix);
+    if (error != std::errc() || number == 0 || shift == sShifts.end() || number > (UINT64_MAX >> shift->second)) {
+        return std::nullopt;
+    }
+    return number << shift->second;
+}
+
+/// A document whose migration threw: nothing of it can be told but why.
+DocumentResult makeFailedResult(const Input& input, ExitCode outcome, std::string reason) {
+    Input failed = input;
+    failed.mFailure = std::move(reason);
+    DocumentResult result(LegacyDocument::load(failed));
+    result.mOutcome = outcome;
+    return result;
+}
+
+DocumentResult migrateSafely(DocumentMigrator& migrator, const Input& input) {
+    try {
+        return migrator.migrate(input);
+    } catch (const std::bad_alloc&) {
+        return makeFailedResult(input, ExitCode::LimitReached, "not enough memory for this document");
+    } catch (const std::exception& exception) {
+        return makeFailedResult(input, ExitCode::InternalError,
+                                std::string("internal error, please report it: ") + exception.what());
+    }
+}
+
+/// Runs the documents through the migrators, several at once, and hands the results on in the order of the inputs. Only
+/// a few results exist at any time, so that memory does not grow with the number of documents.
+/// @param receive  called on one thread at a time.
+template <typename Receive>
+void migrateAll(const std::vector<Input>& inputs, const MigrationOptions& options, int jobs, const Receive& receive) {
+    namespace tbb = oneapi::tbb;
+    const tbb::global_control stackSize(tbb::global_control::thread_stack_size, sThreadStackSize);
+    const tbb::global_control parallelism(tbb::global_control::max_allowed_parallelism, static_cast<std::size_t>(jobs));
+    tbb::enumerable_thread_specific<std::unique_ptr<DocumentMigrator>> migrators(
+        [&options] { return std::make_unique<DocumentMigrator>(options); });
+
+    std::size_t next = 0;
+    const auto takeInput = [&](tbb::flow_control& control) -> const Input* {
+        if (next == inputs.size() || StopSignal::getPending() != 0) {
+            control.stop();
+            return nullptr;
+        }
+        return &inputs[next++];
+    };
+    const auto migrate = [&](const Input* input) {
+        return std::make_shared<DocumentResult>(migrateSafely(*migrators.local(), *input));
+    };
+    using Result = std::shared_ptr<DocumentResult>;
+    tbb::task_arena arena(jobs);
+    arena.execute([&] {
+        tbb::parallel_pipeline(
+            2 * static_cast<std::size_t>(jobs),
+            tbb::make_filter<void, const Input*>(tbb::filter_mode::serial_in_order, takeInput) &
+                tbb::make_filter<const Input*, Result>(tbb::filter_mode::parallel, migrate) &
+                tbb::make_filter<Result, void>(tbb::filter_mode::serial_in_order,
+                                               [&receive](const Result& result) { receive(*result); }));
+    });
+}
+
+}  // namespace
+
+std::string MigrateCommand::getDetails() const {
+    return "Examples:\n"
+           "  ktannot migrate archive/                     every document below archive/ to migrated/\n"
+           "  ktannot migrate a.kts b.json -o drawings     two documents to drawings/\n"
+           "  ktannot migrate archive/ --accept all        also what carries metadata, which drawings cannot keep\n"
+           "  ktannot migrate note.kts -o - > note.svg     the drawing to standard output\n"
+           "  ktannot migrate archive/ --report done.json --skip-existing\n"
+           "                                               go on where an earlier run ended, and report for programs\n"
+           "\n"
+           "Drawings go to DIR/<document>/<NNN>-<view>.svg. Nothing is overwritten and no metadata is dropped "
+           "unasked.\n"
+           "\n" +
+           getExitCodeText();
+}
+
+void MigrateCommand::declareOptions(CLI::App& app) {
+    declareInputs(app, mInputs);
+    app.add_option("-o,--output", mOptions.mOutput, "Folder for the results, or - for standard output")
+        ->type_name("DIR")
+        ->capture_default_str();
+    app.add_option("--format", mFormatName, "svg: one drawing per view; json: one dump of the new model per document")
+        ->check(CLI::IsMember({"svg", "json"}))
+        ->capture_default_str();
+    app.add_option("--accept", mAcceptedWords,
+                   "Legacy metadata that may be dropped: view-metadata, known-metadata, other-metadata, with commas "
+                   "between them, or all; what carries other metadata is refused")
+        ->type_name("WORDS");
+    app.add_option("--head-size", mHeadSize, "Size of leader heads in millimetres")
+        ->type_name("S")
+        ->capture_default_str();
+    app.add_option("--raster-dir", mRasterFolder,
+                   "Where pictures are looked up by name; without it the document's folder and its folder images")
+        ->type_name("DIR");
+    app.add_option("--text", mTextModeName, "text: searchable text; outlines: paths, the same with any font")
+        ->check(CLI::IsMember({"text", "outlines"}))
+        ->capture_default_str();
+    app.add_option("-j,--jobs", mJobs, "Documents worked on at the same time; without it one per core")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1024));
+    app.add_option("--report", mReportPath, "Write a report of the whole batch for programs")->type_name("FILE");
+    auto* force = app.add_flag("--force", mIsForced, "Replace drawings that are there already");
+    app.add_flag("--skip-existing", mIsSkipping, "Keep drawings that are there already and make the others")
+        ->excludes(force);
+    app.add_option("--memory-limit", mMemoryLimit, "Memory that reading one document may take, for example 500M or 2G")
+        ->type_name("SIZE");
+    auto* quiet = app.add_flag("-q,--quiet", mIsQuiet, "Tell only what went wrong");
+    app.add_flag("-v,--verbose", mVerbosity, "Name every drawing; twice: log details too")->excludes(quiet);
+    app.add_option("--log-file", mLogPath, "Append the log to a file")->type_name("FILE");
+}
+
+void MigrateCommand::checkOptions() {
+    const std::optional<int> accepted = MetadataAcceptance::parse(mAcceptedWords);
+    if (!mAcceptedWords.empty() && !accepted) {
+        throw UsageError("--accept takes view-metadata, known-metadata, other-metadata or all, not '" +
+                         makeTerminalText(mAcceptedWords) + "'");
+    }
+    mOptions.mAcceptedMetadata = accepted.value_or(0);
+    mOptions.mHeadSize = static_cast<float>(mHeadSize);
+    if (!std::isfinite(mOptions.mHeadSize) || !(mOptions.mHeadSize > 0.0F)) {
+        throw UsageError("--head-size takes a finite number above 0");
+    }
+    if (!mMemoryLimit.empty()) {
+        mOptions.mMemoryLimit = parseSize(mMemoryLimit);
+        if (!mOptions.mMemoryLimit) {
+            throw UsageError("--memory-limit takes a number of bytes, or one with K, M or G behind it");
+        }
+    }
+    if (mOptions.mOutput.empty()) {
+        throw UsageError("--output takes a folder, or - for standard output");
+    }
+    if (!mRasterFolder.empty()) {
+        mOptions.mRasterFolder = mRasterFolder;
+    }
+    mOptions.mFormat = mFormatName == "json" ? MigrationOptions::Format::Json : MigrationOptions::Format::Svg;
+    mOptions.mHasTextOutlines = mTextModeName == "outlines";
+    if (mIsForced) {
+        mOptions.mExisting = MigrationOptions::Existing::Replace;
+    } else if (mIsSkipping) {
+        mOptions.mExisting = MigrationOptions::Existing::Skip;
+    }
+}
+
+void MigrateCommand::refuseSharedPlaces(const InputSet& inputs) const {
+    if (mOptions.isToStandardOutput()) {
+        return;
+    }
+    std::map<std::string, const Input*> byName;
+    for (const Input& input : inputs.getInputs()) {
+        if (!input.mFailure.empty()) {
+            continue;
+        }
+        const auto [other, isNew] = byName.try_emplace(input.mDocumentName, &input);
+        if (!isNew) {
+            throw UsageError("'" + makeTerminalText(other->second->mSource) + "' and '" +
+                             makeTerminalText(input.mSource) + "' would both be written to '" +
+                             makeTerminalText(mOptions.mOutput + "/" + input.mDocumentName) +
+                             "': migrate them one by one, each with an --output of its own");
+        }
+    }
+}
+
+void MigrateCommand::openLogFile(DocumentLog& log) const {
+    if (mVerbosity > 1 || !mLogPath.empty()) {
+        log.setThreshold(kt::ktLog::Debug);
+    }
+    if (mLogPath.empty()) {
+        return;
+    }
+    const auto file = std::make_shared<std::ofstream>(mLogPath, std::ios::app | std::ios::binary);
+    if (!*file) {
+        throw UsageError("cannot open the log file '" + makeTerminalText(mLogPath) + "'");
+    }
+    log.setListener([file](const kt::ktLogEntry& entry) {
+        *file << entry.mMilliseconds << " [" << entry.mType << "] " << makeTerminalText(entry.mMessage) << '\n'
+              << std::flush;
+    });
+}
+
+ExitCode MigrateCommand::run(Surroundings& surroundings) {
+    checkOptions();
+    const InputSet inputs(mInputs);
+    refuseSharedPlaces(inputs);
+    openLogFile(surroundings.mLog);
+
+    Console& console = surroundings.mConsole;
+    std::unique_ptr<MigrationReportFile> reportFile;
+    if (!mReportPath.empty()) {
+        reportFile = std::make_unique<MigrationReportFile>(mReportPath);
+        if (!reportFile->getFailure().empty()) {
+            console.tell(makeTerminalText(mReportPath) + ": " + reportFile->getFailure());
+            return ExitCode::EnvironmentFailed;
+        }
+    }
+
+    const StopSignal stopSignal;
+    const std::size_t total = inputs.getInputs().size();
+    ProgressBar progress(total, console.isErrorTerminal() && !mIsQuiet);
+    MigrationReportText reportText(console, mIsQuiet, mVerbosity > 0, mOptions.isToStandardOutput());
+    MigrationCounts counts;
+    ExitCode outcome = ExitCode::AllWell;
+    std::size_t done = 0;
+
+    const int jobs = mJobs > 0 ? mJobs : oneapi::tbb::info::default_concurrency();
+    migrateAll(inputs.getInputs(), mOptions, jobs, [&](const DocumentResult& result) {
+        ++done;
+        outcome = worst(outcome, result.mOutcome);
+        counts.add(result);
+        console.out().write(result.mText);
+        if (MigrationReportText::hasFindings(result)) {
+            progress.clear();
+        }
+        reportText.add(result);
+        if (reportFile != nullptr) {
+            reportFile->add(result);
+        }
+        progress.advance();
+    });
+
+    progress.clear();
+    const int signal = StopSignal::getPending();
+    if (signal != 0) {
+        outcome = signal == SIGTERM ? ExitCode::Terminated : ExitCode::Interrupted;
+    }
+    if (reportFile != nullptr) {
+        if (const std::string failure = reportFile->finish(counts, outcome); !failure.empty()) {
+            console.tell(makeTerminalText(mReportPath) + ": " + failure);
+            outcome = worst(outcome, ExitCode::EnvironmentFailed);
+        }
+    }
+    reportText.finish(counts, mOptions.mOutput);
+    if (signal != 0) {
+        console.tell("interrupted after " + std::to_string(done) + " of " + std::to_string(total) +
+                     " documents; every drawing that was begun is whole. --skip-existing goes on from here");
+    }
+    return outcome;
+}
+
+}  // namespace ktannot

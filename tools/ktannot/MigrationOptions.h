@@ -1,0 +1,30 @@
+#pragma once
+
+/// @file
+/// What a migration is asked to do.
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace ktannot {
+
+/// The options of the migrate command that matter for one document.
+struct MigrationOptions {
+    enum class Format { Svg, Json };
+    /// What to do with drawings that are there already.
+    enum class Existing { Fail, Skip, Replace };
+
+    bool isToStandardOutput() const { return mOutput == "-"; }
+
+    std::string mOutput = "migrated";           ///< folder, or "-" for standard output
+    std::optional<std::string> mRasterFolder;   ///< nothing: the document's folder and its folder "images"
+    std::optional<std::uint64_t> mMemoryLimit;  ///< bytes that reading one document may take
+    float mHeadSize = 3.0F;                     ///< of leader heads, in millimetres
+    int mAcceptedMetadata = 0;                  ///< flags of the migration
+    Format mFormat = Format::Svg;
+    Existing mExisting = Existing::Fail;
+    bool mHasTextOutlines = false;
+};
+
+}  // namespace ktannot
