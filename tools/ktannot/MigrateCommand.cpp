@@ -80,23 +80,23 @@ void migrateAll(const std::vector<Input>& inputs, const MigrationOptions& option
         [&options] { return std::make_unique<DocumentMigrator>(options); });
 
     std::size_t next = 0;
-    const auto takeInput = [&](tbb::flow_control& control) -> const Input* {
+    const auto takeInput = [&](tbb::flow_control& control) -> std::size_t {
         if (next == inputs.size() || StopSignal::getPending() != 0) {
             control.stop();
-            return nullptr;
+            return next;
         }
-        return &inputs[next++];
+        return next++;
     };
-    const auto migrate = [&](const Input* input) {
-        return std::make_shared<DocumentResult>(migrateSafely(*migrators.local(), *input));
+    const auto migrate = [&](std::size_t index) {
+        return std::make_shared<DocumentResult>(migrateSafely(*migrators.local(), inputs[index]));
     };
     using Result = std::shared_ptr<DocumentResult>;
     tbb::task_arena arena(jobs);
     arena.execute([&] {
         tbb::parallel_pipeline(
             2 * static_cast<std::size_t>(jobs),
-            tbb::make_filter<void, const Input*>(tbb::filter_mode::serial_in_order, takeInput) &
-                tbb::make_filter<const Input*, Result>(tbb::filter_mode::parallel, migrate) &
+            tbb::make_filter<void, std::size_t>(tbb::filter_mode::serial_in_order, takeInput) &
+                tbb::make_filter<std::size_t, Result>(tbb::filter_mode::parallel, migrate) &
                 tbb::make_filter<Result, void>(tbb::filter_mode::serial_in_order,
                                                [&receive](const Result& result) { receive(*result); }));
     });
