@@ -30,5 +30,3 @@ endif()
 if(KT_BUILD_FUZZERS)
     target_compile_options(ktCompiler INTERFACE -fsanitize=fuzzer-no-link)
 endif()
-
-set(KT_RPATH_ORIGIN "$ORIGIN/../lib:$ORIGIN")

@@ -1,5 +1,9 @@
 include(GNUInstallDirs)
 
+# The run path of installed programs: the libraries beside them, wherever the installation stands.
+file(RELATIVE_PATH KT_RPATH_ORIGIN "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+string(PREPEND KT_RPATH_ORIGIN "$ORIGIN/")
+
 # kt_add_layer(<target> EXPORT_NAME <name> EXPORT_SET <set> VERSION <x.y.z>
 #              HEADERS <public headers...> SOURCES <sources...>
 #              [DEPENDS <layers whose headers appear in public headers...>] [PRIVATE_DEPENDS <libraries...>])
@@ -17,12 +21,17 @@ function(kt_add_layer target)
     string(REGEX MATCH "^[0-9]+" soversion "${ARG_VERSION}")
     set_target_properties(${target} PROPERTIES
         EXPORT_NAME ${ARG_EXPORT_NAME} VERSION ${ARG_VERSION} SOVERSION ${soversion}
-        INSTALL_RPATH "$ORIGIN")
+        INSTALL_RPATH "$ORIGIN" LINK_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/exports.map")
+    target_link_options(${target} PRIVATE "LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map")
     target_compile_features(${target} PUBLIC cxx_std_20)
     target_include_directories(${target} PUBLIC
         "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>"
         "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/ktAnnotationLegacy>")
-    target_link_libraries(${target} PUBLIC ${ARG_DEPENDS} PRIVATE ${ARG_PRIVATE_DEPENDS} "$<BUILD_INTERFACE:ktCompiler>")
+    # The exported target would name private shared libraries, and consumers would have to find them; it does not name
+    # what stands behind an interface library of the build.
+    add_library(${target}Private INTERFACE)
+    target_link_libraries(${target}Private INTERFACE ${ARG_PRIVATE_DEPENDS} ktCompiler)
+    target_link_libraries(${target} PUBLIC ${ARG_DEPENDS} PRIVATE "$<BUILD_INTERFACE:${target}Private>")
 
     install(TARGETS ${target} EXPORT ${ARG_EXPORT_SET}
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development)

@@ -1,0 +1,69 @@
+# The short way to everything. Each target installs what it needs (scripts/install-deps) and builds with the CMake
+# preset of its purpose below build/; CONTRIBUTING.md tells how to go on by hand.
+
+SHELL := /bin/bash
+JOBS ?= $(shell nproc)
+CCACHE := $(shell command -v ccache)
+CONFIGURE := cmake $(if $(CCACHE),-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+SECONDS_PER_TARGET ?= 300
+FUZZ_TARGETS = $(patsubst fuzz/seeds/%/,%,$(wildcard fuzz/seeds/*/))
+SOURCES = git ls-files -z -- '*.h' '*.cpp'
+
+.PHONY: help demo test test-sanitizers bench fuzz format tidy package clean
+
+help: ## this list
+	@grep -E '^[a-z-]+:.*## ' $(MAKEFILE_LIST) | sed -E 's/^([a-z-]+):.*## /\1\t/' | expand -t 18
+
+demo: ## migrate the documents of samples/ to drawings in out/
+	scripts/install-deps --build
+	$(CONFIGURE) --preset release
+	cmake --build --preset release --parallel $(JOBS)
+	scripts/demo build/release/tools/ktannot/ktannot
+
+test: ## build everything and run all tests
+	scripts/install-deps --build --tests
+	$(CONFIGURE) --preset dev
+	cmake --build --preset dev --parallel $(JOBS)
+	ctest --preset dev --parallel $(JOBS)
+
+test-sanitizers: ## the same with AddressSanitizer and UndefinedBehaviorSanitizer
+	scripts/install-deps --build --tests
+	$(CONFIGURE) --preset asan
+	cmake --build --preset asan --parallel $(JOBS)
+	ctest --preset asan --parallel $(JOBS)
+
+bench: ## run the benchmarks, each beside its peers
+	scripts/install-deps --build --benchmarks
+	$(CONFIGURE) --preset bench
+	cmake --build --preset bench --parallel $(JOBS)
+	for benchmark in build/bench/benchmarks/*/*Benchmark; do $$benchmark || exit 1; done
+
+fuzz: ## fuzz every target for SECONDS_PER_TARGET (300)
+	scripts/install-deps --build --development
+	$(CONFIGURE) --preset fuzz
+	cmake --build --preset fuzz --parallel $(JOBS)
+	for target in $(FUZZ_TARGETS); do \
+	    mkdir -p build/fuzz/corpus/$$target && \
+	    build/fuzz/fuzz/fuzz-$$target -max_total_time=$(SECONDS_PER_TARGET) -dict=fuzz/kts.dict \
+	        -artifact_prefix=build/fuzz/ build/fuzz/corpus/$$target fuzz/seeds/$$target || exit 1; \
+	done
+
+format: ## lay out all sources with clang-format
+	scripts/install-deps --development
+	$(SOURCES) | xargs -0 clang-format -i
+
+tidy: ## run clang-tidy over all sources
+	scripts/install-deps --build --tests --development
+	$(CONFIGURE) --preset dev -DCMAKE_EXPORT_COMPILE_COMMANDS=ON
+	cmake --build --preset dev --parallel $(JOBS)
+	git ls-files -z -- 'library/*.cpp' 'legacy/*.cpp' 'migration/*.cpp' 'math/*.cpp' 'platform/*.cpp' 'tools/*.cpp' | \
+	    xargs -0 -n 1 -P $(JOBS) clang-tidy --quiet -p build/dev
+
+package: ## make the Debian packages in build/package/
+	scripts/install-deps --build --tests
+	$(CONFIGURE) --preset package
+	cmake --build --preset package --parallel $(JOBS)
+	cd build/package && cpack -G DEB
+
+clean: ## remove what the targets above made
+	rm -rf build out
