@@ -13,32 +13,35 @@ constexpr std::string_view sNoTrunk = "   ";
 
 }  // namespace
 
-void TextTree::root(std::string_view line) {
-    mOutput.write(line);
+void TextTree::root(std::string_view text) {
+    mOutput.write(text);
     mOutput.write('\n');
 }
 
-void TextTree::line(std::string_view line, bool isLast) {
-    mOutput.write(mIndent);
-    mOutput.write(isLast ? sLastBranch : sBranch);
-    if (mLevel > sMaxDrawnLevels) {
-        mOutput.write("[level " + std::to_string(mLevel) + "] ");
+void TextTree::enter(std::size_t lineCount) {
+    // The first level stands directly below the root.
+    if (!mLinesToCome.empty() && mLinesToCome.size() < sMaxDrawnLevels) {
+        mIndent += mLinesToCome.back() == 0 ? sNoTrunk : sTrunk;
     }
-    mOutput.write(line);
-    mOutput.write('\n');
-}
-
-void TextTree::enter(bool isLast) {
-    if (++mLevel <= sMaxDrawnLevels) {
-        mIndent += isLast ? sNoTrunk : sTrunk;
-    }
+    mLinesToCome.push_back(lineCount);
 }
 
 void TextTree::leave() {
-    if (mLevel-- <= sMaxDrawnLevels) {
-        const bool isTrunk = mIndent.ends_with(sTrunk);
-        mIndent.resize(mIndent.size() - (isTrunk ? sTrunk : sNoTrunk).size());
+    mLinesToCome.pop_back();
+    if (!mLinesToCome.empty() && mLinesToCome.size() < sMaxDrawnLevels) {
+        mIndent.resize(mIndent.size() - (mIndent.ends_with(sTrunk) ? sTrunk : sNoTrunk).size());
     }
+}
+
+void TextTree::line(std::string_view text) {
+    const bool isLast = --mLinesToCome.back() == 0;
+    mOutput.write(mIndent);
+    mOutput.write(isLast ? sLastBranch : sBranch);
+    if (mLinesToCome.size() > sMaxDrawnLevels) {
+        mOutput.write("[level " + std::to_string(mLinesToCome.size()) + "] ");
+    }
+    mOutput.write(text);
+    mOutput.write('\n');
 }
 
 std::string TextTree::paint(Style style, std::string_view text) const {

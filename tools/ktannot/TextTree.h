@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace ktannot {
 
@@ -20,12 +21,12 @@ public:
     TextTree(TextOutput& output, bool isColored) : mOutput(output), mIsColored(isColored) {}
 
     /// The line above the tree.
-    void root(std::string_view line);
-    /// A line of the current level. @param isLast  no other line of the same parent follows.
-    void line(std::string_view line, bool isLast);
-    /// Goes below the line printed last; isLast as it had.
-    void enter(bool isLast);
+    void root(std::string_view text);
+    /// Goes below the line printed last, which has that many lines directly below it. leave() comes after the last one.
+    void enter(std::size_t lineCount);
     void leave();
+    /// The next line of the level.
+    void line(std::string_view text);
 
     /// Text in the style's colour, if there are colours.
     std::string paint(Style style, std::string_view text) const;
@@ -34,8 +35,8 @@ private:
     static constexpr std::size_t sMaxDrawnLevels = 40;
 
     TextOutput& mOutput;
-    std::string mIndent;
-    std::size_t mLevel = 0;
+    std::string mIndent;                    ///< of the level's parent
+    std::vector<std::size_t> mLinesToCome;  ///< by level
     bool mIsColored;
 };
 

@@ -1,0 +1,35 @@
+#pragma once
+
+/// @file
+/// Counts of what documents hold.
+
+#include "tools/ktannot/LegacyDocument.h"
+
+#include <cstddef>
+#include <string>
+
+namespace ktannot {
+
+/// A count with its noun, in the plural where needed: "1 view", "3 views".
+std::string countOf(std::size_t count, const std::string& noun);
+
+/// Numbers of one or more documents.
+struct DocumentCensus {
+    std::size_t mDocuments = 0;
+    std::size_t mRefusedDocuments = 0;  ///< as a whole
+    std::size_t mUnreadableDocuments = 0;
+    std::size_t mSkippedFiles = 0;  ///< not counted as documents
+    std::size_t mViews = 0;         ///< that could be made
+    std::size_t mRefusedViews = 0;
+    std::size_t mAnnotations = 0;  ///< at the top level of views
+    std::size_t mChildren = 0;     ///< below them
+    std::size_t mProblems = 0;
+    std::size_t mMessages = 0;
+
+    void add(const LegacyDocument& document);
+
+    /// "2 views, 14 annotations (22 children)".
+    std::string describeContent() const;
+};
+
+}  // namespace ktannot
