@@ -7,7 +7,6 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <limits>
 #include <type_traits>
 
@@ -288,7 +287,7 @@ void ktGenericTransformation<Real>::ApplyForward(int count, const Vector3<Real>*
     }
     const auto size = static_cast<std::size_t>(count);
     if (mIsIdentity) {
-        std::memmove(out, in, size * sizeof(*in));
+        impl::copyPoints(size, in, out);
         return;
     }
     impl::mapPointsForward({mMatrix, mIsRSMatrix ? &mScale : nullptr, applyTranslation ? &mTranslate : nullptr}, size,
@@ -322,7 +321,7 @@ void ktGenericTransformation<Real>::ApplyInverse(int count, const Vector3<Real>*
     }
     const auto size = static_cast<std::size_t>(count);
     if (mIsIdentity) {
-        std::memmove(out, in, size * sizeof(*in));
+        impl::copyPoints(size, in, out);
         return;
     }
     if (!mIsRSMatrix) {

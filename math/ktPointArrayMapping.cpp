@@ -1,5 +1,6 @@
 #include "math/ktPointArrayMapping_p.h"
 
+#include <cstdint>
 #include <cstring>
 #include <utility>
 
@@ -9,6 +10,31 @@ namespace {
 
 using Wm4::Matrix3;
 using Wm4::Vector3;
+
+/// Results of this size and above are written past the caches: they would not stay there, and fetching lines only to
+/// overwrite them costs a third of the traffic.
+constexpr std::size_t sStreamedSize = 8U << 20U;
+
+/// How far ahead of the reads streamed mappings ask for their input, in bytes.
+constexpr std::size_t sPrefetchDistance = 1024;
+
+/// Stores a vector; a streamed one goes past the caches and needs a target aligned to its size.
+template <bool IsStreamed, typename Vector, typename Real>
+[[gnu::always_inline]] inline void storeVector(const Vector& vector, Real* target) {
+#if defined(__x86_64__)
+    if constexpr (IsStreamed) {
+        Vector& destination = *reinterpret_cast<Vector*>(target);
+#if defined(__clang__)
+        __builtin_nontemporal_store(vector, &destination);
+#else
+        // GCC has builtins for single widths only, which cannot be named outside functions for their processor.
+        asm volatile("vmovntps %1, %0" : "=m"(destination) : "v"(vector));
+#endif
+        return;
+    }
+#endif
+    std::memcpy(target, &vector, sizeof(Vector));
+}
 
 /// Loads and stores the coordinates of several points: three vectors, one for x, y and z each. A vector consists of
 /// `Lanes` lanes of 16 bytes; a lane takes three consecutive blocks of 16 bytes of the array, so that sorting
@@ -20,6 +46,7 @@ class PointPack {
 public:
     static constexpr int sLaneWidth = 16 / static_cast<int>(sizeof(Real));
     static constexpr int sWidth = Lanes * sLaneWidth;
+    static constexpr std::size_t sAlignment = 16;
     typedef Real Vector __attribute__((vector_size(16 * Lanes)));  // NOLINT(modernize-use-using)
 
     [[gnu::always_inline]] static inline void load(const Real* source, Vector& x, Vector& y, Vector& z) {
@@ -42,6 +69,7 @@ public:
         }
     }
 
+    template <bool IsStreamed>
     [[gnu::always_inline]] static inline void store(const Vector& x, const Vector& y, const Vector& z, Real* target) {
         Vector block[3];
         if constexpr (sLaneWidth == 4) {
@@ -60,7 +88,7 @@ public:
             shuffle<1, 3>(y, z, block[2]);
         }
         for (int index = 0; index < 3; ++index) {
-            storeBlocks(block[index], target + index * sLaneWidth);
+            storeBlocks<IsStreamed>(block[index], target + index * sLaneWidth);
         }
     }
 
@@ -80,16 +108,17 @@ private:
         }
     }
 
+    template <bool IsStreamed>
     [[gnu::always_inline]] static inline void storeBlocks(const Vector& blocks, Real* target) {
         if constexpr (Lanes == 1) {
-            std::memcpy(target, &blocks, sizeof(Lane));
+            storeVector<IsStreamed>(blocks, target);
         } else {
             constexpr auto indices = std::make_integer_sequence<int, sLaneWidth>();
             Lane lane;
             extract<0>(blocks, lane, indices);
-            std::memcpy(target, &lane, sizeof(Lane));
+            storeVector<IsStreamed>(lane, target);
             extract<sLaneWidth>(blocks, lane, indices);
-            std::memcpy(target + sBlockDistance, &lane, sizeof(Lane));
+            storeVector<IsStreamed>(lane, target + sBlockDistance);
         }
     }
 
@@ -125,6 +154,62 @@ private:
     }
 };
 
+/// The same for vectors of 64 bytes, whose processors pick elements from anywhere in two operands at once.
+template <typename Real>
+class WidePointPack {
+public:
+    static constexpr int sWidth = 64 / static_cast<int>(sizeof(Real));
+    static constexpr std::size_t sAlignment = 64;
+    typedef Real Vector __attribute__((vector_size(64)));  // NOLINT(modernize-use-using)
+
+    [[gnu::always_inline]] static inline void load(const Real* source, Vector& x, Vector& y, Vector& z) {
+        Vector block[3];
+        std::memcpy(block, source, sizeof(block));
+        gather<0>(block, x, Indices());
+        gather<1>(block, y, Indices());
+        gather<2>(block, z, Indices());
+    }
+
+    template <bool IsStreamed>
+    [[gnu::always_inline]] static inline void store(const Vector& x, const Vector& y, const Vector& z, Real* target) {
+        Vector block[3];
+        spread<0>(x, y, z, block[0], Indices());
+        spread<1>(x, y, z, block[1], Indices());
+        spread<2>(x, y, z, block[2], Indices());
+        for (int index = 0; index < 3; ++index) {
+            storeVector<IsStreamed>(block[index], target + index * sWidth);
+        }
+    }
+
+private:
+    using Indices = std::make_integer_sequence<int, sWidth>;
+
+    /// One coordinate of all points: what the first two blocks hold of it, then the rest from the third.
+    template <int Coordinate, int... Index>
+    [[gnu::always_inline]] static inline void gather(const Vector (&block)[3], Vector& result,
+                                                     std::integer_sequence<int, Index...> /*indices*/) {
+        const Vector begin = __builtin_shufflevector(
+            block[0], block[1], (3 * Index + Coordinate < 2 * sWidth ? 3 * Index + Coordinate : 0)...);
+        result = __builtin_shufflevector(
+            begin, block[2], (3 * Index + Coordinate < 2 * sWidth ? Index : 3 * Index + Coordinate - sWidth)...);
+    }
+
+    /// One block of the array: its x and y, then its z between them.
+    template <int Block, int... Index>
+    [[gnu::always_inline]] static inline void spread(const Vector& x, const Vector& y, const Vector& z, Vector& result,
+                                                     std::integer_sequence<int, Index...> /*indices*/) {
+        const Vector xy = __builtin_shufflevector(x, y, findInXY(Block * sWidth + Index)...);
+        result = __builtin_shufflevector(
+            xy, z, ((Block * sWidth + Index) % 3 == 2 ? sWidth + (Block * sWidth + Index) / 3 : Index)...);
+    }
+
+    /// Where a number of the array comes from among x and y; anywhere when it is a z.
+    static constexpr int findInXY(int number) {
+        const int point = number / 3;
+        return number % 3 == 1 ? sWidth + point : point;
+    }
+};
+
 /// Coordinates x, y and z, each one number or a vector of them, mapped in place by a matrix.
 template <typename Real, typename Value>
 [[gnu::always_inline]] inline void multiply(const Matrix3<Real>& matrix, Value& x, Value& y, Value& z) {
@@ -142,6 +227,12 @@ template <typename Real, typename Value>
     y = factor.y * y;
     z = factor.z * z;
 }
+
+/// Leaves points as they are.
+struct CopyStep {
+    template <typename Value>
+    [[gnu::always_inline]] inline void operator()(Value& /*x*/, Value& /*y*/, Value& /*z*/) const {}
+};
 
 template <typename Real, bool IsScaled, bool IsTranslated>
 struct ForwardStep {
@@ -181,51 +272,101 @@ struct BackwardStep {
     }
 };
 
-template <int Lanes, typename Real, typename Step>
-[[gnu::always_inline]] inline void mapPacks(const Step& step, std::size_t count, const Vector3<Real>* in,
+template <typename Real, typename Step>
+[[gnu::always_inline]] inline void mapPoint(const Step& step, const Vector3<Real>& in, Vector3<Real>& out) {
+    Vector3<Real> point = in;
+    step(point.x, point.y, point.z);
+    out = point;
+}
+
+template <typename Pack, bool IsStreamed, typename Real, typename Step>
+[[gnu::always_inline]] inline void mapPacks(const Step& commonStep, std::size_t count, const Vector3<Real>* in,
                                             Vector3<Real>* out) {
     static_assert(sizeof(Vector3<Real>) == 3 * sizeof(Real));
-    using Pack = PointPack<Real, Lanes>;
     constexpr auto width = static_cast<std::size_t>(Pack::sWidth);
+    const Step step = commonStep;  // A copy of its own cannot be changed by the stores, so it stays in registers.
     std::size_t index = 0;
+    if constexpr (IsStreamed) {
+        for (; index < count && reinterpret_cast<std::uintptr_t>(&out[index]) % Pack::sAlignment != 0; ++index) {
+            mapPoint(step, in[index], out[index]);
+        }
+    }
     for (; index + width <= count; index += width) {
+        if constexpr (IsStreamed) {
+            const auto* ahead = reinterpret_cast<const char*>(&in[index]) + sPrefetchDistance;
+            for (std::size_t offset = 0; offset < sizeof(Vector3<Real>) * width; offset += 64) {
+                __builtin_prefetch(ahead + offset, 0, 0);
+            }
+        }
         typename Pack::Vector x;
         typename Pack::Vector y;
         typename Pack::Vector z;
         Pack::load(&in[index].x, x, y, z);
         step(x, y, z);
-        Pack::store(x, y, z, &out[index].x);
+        Pack::template store<IsStreamed>(x, y, z, &out[index].x);
     }
     for (; index < count; ++index) {
-        Vector3<Real> point = in[index];
-        step(point.x, point.y, point.z);
-        out[index] = point;
+        mapPoint(step, in[index], out[index]);
     }
-}
-
-template <typename Real, typename Step>
-void mapBaseline(const Step& step, std::size_t count, const Vector3<Real>* in, Vector3<Real>* out) {
-    mapPacks<1>(step, count, in, out);
 }
 
 #if defined(__x86_64__)
-template <typename Real, typename Step>
+template <bool IsStreamed, typename Real, typename Step>
+[[gnu::target("avx512f")]] void mapAvx512(const Step& step, std::size_t count, const Vector3<Real>* in,
+                                          Vector3<Real>* out) {
+    mapPacks<WidePointPack<Real>, IsStreamed>(step, count, in, out);
+}
+
+template <bool IsStreamed, typename Real, typename Step>
 [[gnu::target("avx2")]] void mapAvx2(const Step& step, std::size_t count, const Vector3<Real>* in, Vector3<Real>* out) {
-    mapPacks<2>(step, count, in, out);
+    mapPacks<PointPack<Real, 2>, IsStreamed>(step, count, in, out);
+}
+
+/// Maps with the widest vectors that the processor has; false when it has only those of every processor.
+template <bool IsStreamed, typename Real, typename Step>
+bool mapWide(const Step& step, std::size_t count, const Vector3<Real>* in, Vector3<Real>* out) {
+    if (__builtin_cpu_supports("avx512f") != 0) {
+        mapAvx512<IsStreamed>(step, count, in, out);
+    } else if (__builtin_cpu_supports("avx2") != 0) {
+        mapAvx2<IsStreamed>(step, count, in, out);
+    } else {
+        return false;
+    }
+    if constexpr (IsStreamed) {
+        __builtin_ia32_sfence();  // Streamed stores become visible to other threads like ordinary ones.
+    }
+    return true;
 }
 #endif
 
-/// Takes the widest vectors that the processor has. Results do not depend on the width: the operations and their order
-/// are the same, and no instruction set is enabled that fuses them.
+template <typename Real>
+bool isStreamed(std::size_t count, const Vector3<Real>* in, const Vector3<Real>* out) {
+    return in != out && count >= sStreamedSize / sizeof(*out);
+}
+
+/// Results do not depend on the processor: the operations and their order are the same for every width of vector, and
+/// no instruction set is enabled that fuses them.
 template <typename Real, typename Step>
 void mapPoints(const Step& step, std::size_t count, const Vector3<Real>* in, Vector3<Real>* out) {
 #if defined(__x86_64__)
-    if (__builtin_cpu_supports("avx2") != 0) {
-        mapAvx2(step, count, in, out);
+    if (isStreamed(count, in, out) ? mapWide<true>(step, count, in, out) : mapWide<false>(step, count, in, out)) {
         return;
     }
 #endif
-    mapBaseline(step, count, in, out);
+    mapPacks<PointPack<Real, 1>, false>(step, count, in, out);
+}
+
+template <typename Real>
+void copy(std::size_t count, const Vector3<Real>* in, Vector3<Real>* out) {
+#if defined(__x86_64__)
+    // Faster than the C library, whose large copies do not ask for their input ahead.
+    if (isStreamed(count, in, out) && mapWide<true>(CopyStep(), count, in, out)) {
+        return;
+    }
+#endif
+    if (in != out) {
+        std::memmove(out, in, count * sizeof(*in));
+    }
 }
 
 template <typename Real>
@@ -253,6 +394,10 @@ void mapBackward(const BackwardMap<Real>& map, std::size_t count, const Vector3<
 }
 
 }  // namespace
+
+void copyPoints(std::size_t count, const Vector3<float>* in, Vector3<float>* out) { copy(count, in, out); }
+
+void copyPoints(std::size_t count, const Vector3<double>* in, Vector3<double>* out) { copy(count, in, out); }
 
 void mapPointsForward(const ForwardMap<float>& map, std::size_t count, const Vector3<float>* in, Vector3<float>* out) {
     mapForward(map, count, in, out);

@@ -27,6 +27,10 @@ struct BackwardMap {
     const Wm4::Vector3<Real>* factor;
 };
 
+/// Copies count points from `in` to `out`, the same array or one that does not overlap.
+void copyPoints(std::size_t count, const Wm4::Vector3<float>* in, Wm4::Vector3<float>* out);
+void copyPoints(std::size_t count, const Wm4::Vector3<double>* in, Wm4::Vector3<double>* out);
+
 /// Maps count points from `in` to `out`, the same array or one that does not overlap. Every point gets the bits that
 /// the formula of the map gives when it is evaluated from left to right, whatever the processor.
 void mapPointsForward(const ForwardMap<float>& map, std::size_t count, const Wm4::Vector3<float>* in,
