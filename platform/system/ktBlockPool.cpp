@@ -2,8 +2,9 @@
 
 #include <atomic>
 #include <cstdint>
-#include <cstdlib>
 #include <mutex>
+
+#include <sys/mman.h>
 
 #if defined(__SANITIZE_ADDRESS__)
 #define KT_POOL_USES_HEAP 1
@@ -26,9 +27,13 @@ void ktBlockPool::release(void* block, std::size_t /*size*/) noexcept { ::operat
 namespace {
 
 constexpr std::size_t sChunkSize = 256 * std::size_t{1024};
+constexpr std::size_t sPageSize = 4096;
 constexpr std::size_t sAlignment = 16;
-/// Chunks kept for the next document; more are given back to the system.
-constexpr std::size_t sMaxCachedChunks = 128;
+/// Chunks kept as they are for the next document: 16 MiB.
+constexpr std::size_t sMaxWarmChunks = 64;
+/// Chunks kept beyond these, up to 1 GiB, are offered to the system, which takes their pages when it needs memory; until
+/// then they are used again without the cost of fresh pages.
+constexpr std::size_t sMaxCachedChunks = 4096;
 /// Stands for the blocks that the owner of a chunk may still hand out: more than fit a chunk, so that the count cannot
 /// reach 0 before the owner has settled it.
 constexpr std::int64_t sOwnerShare = std::int64_t{1} << 40;
@@ -68,26 +73,39 @@ Chunk* takeCachedChunk() {
 }
 
 void recycle(Chunk* chunk) noexcept {
-    {
-        const std::lock_guard lock(sCacheMutex);
-        if (sCachedCount < sMaxCachedChunks) {
-            chunk->mNextFree = sCachedChunks;
-            sCachedChunks = chunk;
-            ++sCachedCount;
-            return;
-        }
+    const std::lock_guard lock(sCacheMutex);
+    if (sCachedCount >= sMaxCachedChunks) {
+        ::munmap(chunk, sChunkSize);
+        return;
     }
-    std::free(chunk);
+    if (sCachedCount >= sMaxWarmChunks) {
+        // All but the first page, which holds the head.
+        ::madvise(reinterpret_cast<std::byte*>(chunk) + sPageSize, sChunkSize - sPageSize, MADV_FREE);
+    }
+    chunk->mNextFree = sCachedChunks;
+    sCachedChunks = chunk;
+    ++sCachedCount;
+}
+
+/// A fresh chunk at a multiple of its size.
+Chunk* mapChunk() {
+    void* memory = ::mmap(nullptr, 2 * sChunkSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED) {
+        throw std::bad_alloc();
+    }
+    auto* begin = static_cast<std::byte*>(memory);
+    const std::size_t before = (sChunkSize - reinterpret_cast<std::uintptr_t>(begin) % sChunkSize) % sChunkSize;
+    if (before != 0) {
+        ::munmap(begin, before);
+    }
+    ::munmap(begin + before + sChunkSize, sChunkSize - before);
+    return new (begin + before) Chunk{};
 }
 
 Chunk* acquireChunk() {
     Chunk* chunk = takeCachedChunk();
     if (chunk == nullptr) {
-        void* memory = std::aligned_alloc(sChunkSize, sChunkSize);
-        if (memory == nullptr) {
-            throw std::bad_alloc();
-        }
-        chunk = new (memory) Chunk{};
+        chunk = mapChunk();
     }
     chunk->mLiveCount.store(sOwnerShare, std::memory_order_relaxed);
     return chunk;

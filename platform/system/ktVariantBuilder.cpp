@@ -2,6 +2,7 @@
 #include "platform/system/ktVariantStorage_p.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -91,19 +92,87 @@ std::size_t ktVariantBuilder::getElementCount() const {
     return isInMap() ? cells / 2 : cells;
 }
 
+ktVariantBuilder::Shape& ktVariantBuilder::chooseShape(std::vector<Shape>& shapes, const Cell* entries, std::size_t count) {
+    constexpr std::size_t sShapeCount = 64;
+    if (shapes.empty()) {
+        shapes.resize(sShapeCount);
+    }
+    const auto first = std::bit_cast<std::array<std::uint64_t, 2>>(entries[0]);
+    const auto last = std::bit_cast<std::array<std::uint64_t, 2>>(entries[2 * count - 2]);
+    constexpr std::uint64_t sOddFactor = 0x9E3779B97F4A7C15;
+    const std::uint64_t hash = (first[0] + 3 * last[0] + last[1] + count) * sOddFactor;
+    return shapes[hash >> 58U];
+}
+
+bool ktVariantBuilder::matches(const Shape& shape, const Cell* entries, std::size_t count) {
+    if (shape.mCount != count) {
+        return false;
+    }
+    for (std::size_t index = 0; index < count; ++index) {
+        if (std::memcmp(&shape.mKeys[index], entries + 2 * index, sizeof(Cell)) != 0) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Makes shape that of the entries; false when these have long or repeated keys, which no shape can have.
+bool ktVariantBuilder::learn(Shape& shape, const Cell* entries, std::size_t count) {
+    const auto* raw = reinterpret_cast<const RawEntry*>(entries);
+    shape.mCount = 0;
+    for (std::size_t index = 0; index < count; ++index) {
+        if (raw[index].getKey().isLong()) {
+            return false;
+        }
+        shape.mKeys[index] = entries[2 * index];
+        shape.mOrder[index] = static_cast<std::uint8_t>(index);
+    }
+    auto* const order = shape.mOrder.data();
+    std::sort(order, order + count, [raw](std::uint8_t a, std::uint8_t b) { return raw[a] < raw[b]; });
+    for (std::size_t index = 1; index < count; ++index) {
+        if (!(raw[order[index - 1]] < raw[order[index]])) {
+            return false;
+        }
+    }
+    shape.mCount = static_cast<std::uint8_t>(count);
+    return true;
+}
+
+ktVariantBlock* ktVariantBuilder::makeMapBlock(Cell* entries, std::size_t count) {
+    auto* raw = reinterpret_cast<RawEntry*>(entries);
+    if (count > 1 && count <= Shape::sMaxCount) {
+        Shape& shape = chooseShape(mShapes, entries, count);
+        if (matches(shape, entries, count) || learn(shape, entries, count)) {
+            ktVariantBlock* block = ktVariantStorage::allocateBlock(ktVariant::Kind::Map, count);
+            auto* target = block->elements<RawEntry>();
+            for (std::size_t index = 0; index < count; ++index) {
+                target[index] = raw[shape.mOrder[index]];
+            }
+            block->mSize = static_cast<std::uint32_t>(count);
+            return block;
+        }
+    }
+    count = sortEntries(reinterpret_cast<Entry*>(entries), count);
+    mCellCount = mFrames.back().mFirstCell + 2 * count;
+    ktVariantBlock* block = ktVariantStorage::allocateBlock(ktVariant::Kind::Map, count);
+    std::memcpy(block->elements<RawEntry>(), raw, count * sizeof(RawEntry));
+    block->mSize = static_cast<std::uint32_t>(count);
+    return block;
+}
+
 void ktVariantBuilder::end() {
     const Frame frame = mFrames.back();
     Cell* first = mCells + frame.mFirstCell;
-    std::size_t count = getElementCount();
+    const std::size_t count = getElementCount();
     ktVariantBlock* block = nullptr;
     if (count != 0) {
         if (frame.mKind == ktVariant::Kind::Map) {
-            count = sortEntries(reinterpret_cast<Entry*>(first), count);
-            mCellCount = frame.mFirstCell + 2 * count;
+            block = makeMapBlock(first, count);
+        } else {
+            block = ktVariantStorage::allocateBlock(frame.mKind, count);
+            std::memcpy(block->elements<Cell>(), first, count * sizeof(Cell));
+            block->mSize = static_cast<std::uint32_t>(count);
         }
-        block = ktVariantStorage::allocateBlock(frame.mKind, count);
-        std::memcpy(static_cast<void*>(block + 1), first, (mCellCount - frame.mFirstCell) * sizeof(Cell));
-        block->mSize = static_cast<std::uint32_t>(count);
     }
     mCellCount = frame.mFirstCell;
     mFrames.pop_back();

@@ -5,7 +5,9 @@
 
 #include "platform/system/ktVariantMapImpl.h"
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 #include <vector>
 
@@ -64,6 +66,15 @@ private:
         ktVariant::Kind mKind;
         std::size_t mFirstCell;
     };
+    /// The keys of a map in the order in which they came, and the entries' places in key order. Most maps of a document
+    /// have the keys of an earlier one, and need not be sorted then.
+    struct Shape {
+        static constexpr std::size_t sMaxCount = 16;
+
+        std::uint8_t mCount = 0;
+        std::array<std::uint8_t, sMaxCount> mOrder;  ///< arrival index of each entry of the sorted map
+        std::array<Cell, sMaxCount> mKeys;
+    };
 
     void begin(ktVariant::Kind kind) { mFrames.push_back({kind, mCellCount}); }
     Cell* makeRoom() {
@@ -73,12 +84,17 @@ private:
         return mCells + mCellCount;
     }
     void grow();
+    ktVariantBlock* makeMapBlock(Cell* entries, std::size_t count);
+    static bool matches(const Shape& shape, const Cell* entries, std::size_t count);
+    static bool learn(Shape& shape, const Cell* entries, std::size_t count);
+    static Shape& chooseShape(std::vector<Shape>& shapes, const Cell* entries, std::size_t count);
     void destroyCells(const Frame& frame) noexcept;
 
     Cell* mCells = nullptr;
     std::size_t mCellCount = 0;
     std::size_t mCellCapacity = 0;
     std::vector<Frame> mFrames;
+    std::vector<Shape> mShapes;
 };
 
 }  // namespace kt::impl

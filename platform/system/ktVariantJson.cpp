@@ -32,11 +32,15 @@ public:
             mText.append(text.substr(0, plain));
             text.remove_prefix(plain);
             if (!text.empty() && !readEscape(text)) {
+                mFault = text.data();
                 return {};
             }
         }
         return mText;
     }
+
+    /// Where the wrong escape stands.
+    const char* getFault() const { return mFault; }
 
 private:
     static constexpr std::uint32_t sNoCode = 0xFFFFFFFF;
@@ -123,6 +127,7 @@ private:
     }
 
     std::string mText;
+    const char* mFault = nullptr;
 };
 
 }  // namespace
@@ -141,7 +146,7 @@ public:
         const char* fault = readDocument();
         if (fault != nullptr) {
             mBuilder.clear();
-            error.mOffset = mNext == mLast ? text.size() : *mNext;
+            error.mOffset = getFaultOffset(fault);
             error.mMessage = fault;
             error.mIsLimit = fault == sTooDeep;
             return false;
@@ -151,6 +156,7 @@ public:
     }
 
 private:
+    static constexpr const char* sWrongEscape = "Invalid escape in string.";
     static constexpr const char* sTooDeep = "Arrays and objects are nested deeper than this reader accepts.";
 
     bool findTokens(ktJsonError& error) {
@@ -183,6 +189,13 @@ private:
         if (active->create_dom_parser_implementation(mText.size(), sUnusedDepth, mIndex) != simdjson::SUCCESS) {
             throw std::bad_alloc();
         }
+    }
+
+    std::size_t getFaultOffset(const char* fault) const {
+        if (fault == sWrongEscape) {
+            return static_cast<std::size_t>(mUnescaper.getFault() - mText.data());
+        }
+        return mNext == mLast ? mText.size() : *mNext;
     }
 
     char tokenCharacter() const { return mNext == mLast ? '\0' : mText[*mNext]; }
@@ -231,8 +244,11 @@ private:
 
     const char* readMember() {
         std::string_view key;
-        if (tokenCharacter() != '"' || !readText(key)) {
+        if (tokenCharacter() != '"') {
             return "Missing a name for object member.";
+        }
+        if (!readText(key)) {
+            return sWrongEscape;
         }
         mBuilder.addKey(key);
         if (tokenCharacter() != ':') {
@@ -294,7 +310,7 @@ private:
     const char* readString() {
         std::string_view text;
         if (!readText(text)) {
-            return "Invalid escape in string.";
+            return sWrongEscape;
         }
         mBuilder.addValue(text);
         return nullptr;

@@ -1,0 +1,84 @@
+#include "platform/wm4/Wm4IntrLine2Line2.h"
+#include "platform/wm4/Wm4Math.h"
+#include "platform/wm4/Wm4Matrix2.h"
+#include "platform/wm4/Wm4Matrix3.h"
+#include "platform/wm4/Wm4Matrix4.h"
+#include "platform/wm4/Wm4Plane3.h"
+#include "platform/wm4/Wm4Vector3.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <type_traits>
+
+namespace {
+
+template <typename Value, typename Real, int Count>
+constexpr bool isPacked() {
+    return std::is_trivially_copyable_v<Value> && sizeof(Value) == sizeof(Real) * Count;
+}
+
+// Arrays of these values are handed about as arrays of numbers.
+static_assert(isPacked<Wm4::Vector2<float>, float, 2>() && isPacked<Wm4::Vector3<float>, float, 3>());
+static_assert(isPacked<Wm4::Vector3<unsigned char>, unsigned char, 3>());
+static_assert(isPacked<Wm4::Matrix2<double>, double, 4>() && isPacked<Wm4::Matrix3<float>, float, 9>());
+static_assert(isPacked<Wm4::Matrix4<float>, float, 16>() && isPacked<Wm4::Plane3<float>, float, 4>());
+
+// Other libraries use these before main().
+static_assert(Wm4::Vector3<float>::UNIT_Z == Wm4::Vector3<float>(0, 0, 1));
+static_assert(Wm4::Matrix3<double>::IDENTITY(2, 2) == 1 && Wm4::Matrix3<double>::IDENTITY(2, 0) == 0);
+static_assert(Wm4::Math<float>::ZERO_TOLERANCE == 1e-6F && Wm4::Math<double>::ZERO_TOLERANCE == 1e-8);
+
+TEST(Wm4Matrix, ActsOnColumnVectors) {
+    const Wm4::Matrix3<float> quarterTurn(0, -1, 0, 1, 0, 0, 0, 0, 1);
+    EXPECT_EQ(quarterTurn * Wm4::Vector3<float>::UNIT_X, Wm4::Vector3<float>(0, 1, 0));
+    const Wm4::Matrix3<float> stretch(2, 0, 0, 0, 1, 0, 0, 0, 1);
+    // The right factor acts first.
+    EXPECT_EQ((quarterTurn * stretch) * Wm4::Vector3<float>::UNIT_X, Wm4::Vector3<float>(0, 2, 0));
+    EXPECT_EQ((stretch * quarterTurn) * Wm4::Vector3<float>::UNIT_X, Wm4::Vector3<float>(0, 1, 0));
+}
+
+TEST(Wm4Vector, CrossOfAxesIsRightHanded) {
+    using Vector = Wm4::Vector3<float>;
+    EXPECT_EQ(Vector::UNIT_X.Cross(Vector::UNIT_Y), Vector::UNIT_Z);
+    EXPECT_EQ(Vector::UNIT_Z.Cross(Vector::UNIT_X), Vector::UNIT_Y);
+}
+
+struct LineCase {
+    const char* mName;
+    Wm4::Line2<float> mLine0;
+    Wm4::Line2<float> mLine1;
+    int mType;
+    Wm4::Vector2<float> mPoint{};
+};
+
+void PrintTo(const LineCase& lines, std::ostream* out) { *out << lines.mName; }
+
+class Wm4Lines : public testing::TestWithParam<LineCase> {};
+
+TEST_P(Wm4Lines, Intersect) {
+    const LineCase& lines = GetParam();
+    Wm4::IntrLine2Line2<float> intersection(lines.mLine0, lines.mLine1);
+    EXPECT_EQ(intersection.GetIntersectionType(), 0);
+    EXPECT_EQ(intersection.Find(), lines.mType != 0);
+    ASSERT_EQ(intersection.GetIntersectionType(), lines.mType);
+    if (lines.mType == 1) {
+        EXPECT_EQ(intersection.GetPoint(), lines.mPoint);
+    }
+}
+
+constexpr float sNan = std::numeric_limits<float>::quiet_NaN();
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, Wm4Lines,
+    testing::Values(LineCase{"crossing", {{0, 0}, {1, 0}}, {{3, 5}, {0, 1}}, 1, {3, 0}},
+                    LineCase{"directionsOfAnyLength", {{0, 0}, {10, 10}}, {{4, 0}, {0, -2}}, 1, {4, 4}},
+                    LineCase{"crossingBehindTheOrigin", {{0, 0}, {1, 0}}, {{-3, 5}, {0, 1}}, 1, {-3, 0}},
+                    LineCase{"parallel", {{0, 0}, {1, 0}}, {{0, 1}, {1, 0}}, 0},
+                    LineCase{"same", {{0, 0}, {1, 1}}, {{2, 2}, {-1, -1}}, 4},
+                    LineCase{"parallelAtTheTolerance", {{0, 0}, {1, 0}}, {{0, 1}, {1, 1e-6F}}, 0},
+                    LineCase{"crossingAboveTheTolerance", {{0, 0}, {1, 0}}, {{0, 0}, {1, 2e-6F}}, 1, {0, 0}},
+                    LineCase{"notANumber", {{sNan, 0}, {1, 0}}, {{0, 0}, {0, 1}}, 0}));
+
+}  // namespace
