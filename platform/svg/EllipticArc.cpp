@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace kt::svg {
 
@@ -11,6 +12,8 @@ namespace {
 constexpr double sTurn = 2.0 * Wm4::Mathd::PI;
 /// An angle this near to an end of the arc counts as on it, so that rounding never loses an extreme point.
 constexpr double sAngleTolerance = 1e-9;
+/// Rounding of end points, relative to the largest coordinate.
+constexpr double sEndPointRounding = static_cast<double>(std::numeric_limits<float>::epsilon());
 
 }  // namespace
 
@@ -39,7 +42,10 @@ EllipticArc EllipticArc::fromEndPoints(const Wm4::Vector2<float>& start, const W
     double u = (cosine * halfX + sine * halfY) / radiusX;
     double v = (cosine * halfY - sine * halfX) / radiusY;
     double length = std::hypot(u, v);
-    if (length > 1.0) {
+    // Near half a turn the centre hangs on the last digits of the end points; half a turn is what is meant then.
+    const double largest = std::max({std::abs(x0), std::abs(y0), std::abs(x1), std::abs(y1)});
+    arc.mIsHalfTurn = length >= 1.0 - sEndPointRounding * largest / std::min(radiusX, radiusY);
+    if (arc.mIsHalfTurn) {
         radiusX *= length;
         radiusY *= length;
         u /= length;

@@ -29,6 +29,8 @@ public:
     double mRotation = 0.0;    ///< radians
     double mStartAngle = 0.0;  ///< radians
     double mSpan = 0.0;        ///< radians, signed
+    /// The ends lie opposite each other, within rounding, or the radii had to grow until they do.
+    bool mIsHalfTurn = false;
 };
 
 }  // namespace kt::svg

@@ -76,6 +76,11 @@ char* writeFraction(char* out, std::uint64_t value, int decimals) {
 }
 
 char* writeShortest(char* out, double value) {
+    // Exponents only where they spare a row of zeros.
+    constexpr double maxPlain = 1e15;
+    if (std::abs(value) >= 1.0 && std::abs(value) < maxPlain) {
+        return std::to_chars(out, out + sMaxNumberLength, value, std::chars_format::fixed).ptr;
+    }
     return std::to_chars(out, out + sMaxNumberLength, value == 0.0 ? 0.0 : value).ptr;
 }
 

@@ -9,8 +9,8 @@ namespace kt::svg {
 
 namespace {
 
-/// Arcs that lack less than this of a full turn (radians) are full turns: the gap is rounding of the angles.
-constexpr double sFullTurnTolerance = 1e-5;
+/// Angles that differ by less than this (radians) differ by rounding.
+constexpr double sAngleTolerance = 1e-5;
 
 Wm4::Vector2<float> pointOnEllipse(const Wm4::Vector2<float>& center, const Wm4::Vector2<float>& radii, double angle) {
     return {static_cast<float>(static_cast<double>(center.x) + static_cast<double>(radii.x) * std::cos(angle)),
@@ -70,7 +70,7 @@ void PathBuilder::appendEllipse(const Wm4::Vector2<float>& center, const Wm4::Ve
     const auto start = static_cast<double>(startAngle);
     const double span = static_cast<double>(endAngle) - start;
     const bool isSweep = span >= 0.0;
-    const bool isFullTurn = std::abs(span) >= 2.0 * Wm4::Mathd::PI - sFullTurnTolerance;
+    const bool isFullTurn = std::abs(span) >= 2.0 * Wm4::Mathd::PI - sAngleTolerance;
     const Wm4::Vector2<float> first = pointOnEllipse(center, positiveRadii, start);
 
     Path& path = editPath();
@@ -81,7 +81,7 @@ void PathBuilder::appendEllipse(const Wm4::Vector2<float>& center, const Wm4::Ve
         path.close();
     } else {
         // Halves: an arc of nearly a full turn would leave its centre to the rounding of its two end points.
-        if (std::abs(span) > Wm4::Mathd::PI) {
+        if (std::abs(span) > Wm4::Mathd::PI + sAngleTolerance) {
             path.arcTo(positiveRadii, 0.0F, false, isSweep, pointOnEllipse(center, positiveRadii, start + span * 0.5));
         }
         path.arcTo(positiveRadii, 0.0F, false, isSweep, pointOnEllipse(center, positiveRadii, start + span));

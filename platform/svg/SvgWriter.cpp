@@ -4,6 +4,7 @@
 #include "platform/svg/Node.h"
 #include "platform/svg/NumberFormat_p.h"
 #include "platform/svg/Rect.h"
+#include "platform/svg/Text.h"
 
 #include <algorithm>
 #include <cmath>
@@ -40,6 +41,18 @@ ViewRange makeViewRange(float minimum, float maximum) {
     const double extent = static_cast<double>(maximum) - lower;
     const double missing = std::max(0.0, sMinExtent - extent);
     return {lower - 0.5 * missing, extent + missing};
+}
+
+/// Asks for the children's memory at once: items lie scattered, and waiting for each in turn would take most of the
+/// time.
+void prefetch(const Node& node) {
+    constexpr std::size_t cacheLine = 64;
+    for (const auto& child : node.getChildren()) {
+        const auto* bytes = reinterpret_cast<const char*>(child.get());
+        for (std::size_t offset = 0; offset < sizeof(Text); offset += cacheLine) {
+            __builtin_prefetch(bytes + offset);
+        }
+    }
 }
 
 /// Whether the group's transform vanishes into its children: they are texts that stand upright only with it.
@@ -255,6 +268,7 @@ std::optional<SvgWriter::Document::TreeGroup> SvgWriter::Document::enter(const N
     if (node.getChildren().empty()) {
         return std::nullopt;
     }
+    prefetch(node);
     TreeGroup group{&node, 0, outer, mBuffer.getSize(), 0, false};
     WriteContext& context = group.mContext;
     if (node.getTransform()) {

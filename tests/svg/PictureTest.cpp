@@ -1,0 +1,73 @@
+#include "platform/svg/Picture_p.h"
+#include "platform/svg/TextBuffer_p.h"
+
+#include <gtest/gtest.h>
+
+namespace kt::svg {
+namespace {
+
+using namespace std::string_literals;
+
+const std::string sPng = "\x89PNG\r\n\x1A\n\0\0\0\rIHDR"s;
+const std::string sPngBase64 = "iVBORw0KGgoAAAANSUhEUg==";
+
+/// The data URI, or "" for what is no picture.
+std::string embed(const std::string& source) {
+    const Picture picture(source);
+    std::string uri;
+    if (picture.getProblem() == nullptr) {
+        TextBuffer buffer(uri);
+        picture.appendDataUri(buffer);
+        buffer.flush();
+    }
+    return uri;
+}
+
+TEST(Picture, IsToldByItsContent) {
+    const struct {
+        std::string mSource;
+        std::string mUri;
+    } rows[] = {
+        {sPng, "data:image/png;base64," + sPngBase64},
+        {"\xFF\xD8\xFF\xE0", "data:image/jpeg;base64,/9j/4A=="},
+        {"GIF89a", "data:image/gif;base64,R0lGODlh"},
+        {"GIF87a", "data:image/gif;base64,R0lGODdh"},
+        {"RIFF\1\2\3\4WEBPVP8 ", "data:image/webp;base64,UklGRgECAwRXRUJQVlA4IA=="},
+        {"data:image/png;base64," + sPngBase64, "data:image/png;base64," + sPngBase64},
+        // What the header says does not count, and neither does how the base64 is laid out.
+        {"DATA:image/svg+xml;charset=x;BASE64, iVBORw0K\r\nGgoAAAANSUhEUg", "data:image/png;base64," + sPngBase64},
+        {"data:;base64,iVBORw0KGgoAAAANSUhEUg%3D%3D", "data:image/png;base64," + sPngBase64},
+        {"data:image/gif,GIF89a%00%ff", "data:image/gif;base64,R0lGODlhAP8="},
+        {"", ""},
+        {"data:", ""},
+        {"data:image/png;base64,", ""},
+        {"data:image/png;base64,R0lGODlh\"onload=\"x", ""},
+        {"data:image/png;base64,iVBORw0K=GgoA", ""},
+        {"data:image/png;base64,PHN2Zz48L3N2Zz4=", ""},
+        {"data:image/svg+xml,<svg/>", ""},
+        {"<svg xmlns=\"http://www.w3.org/2000/svg\"/>", ""},
+        {"http://example.com/a.png", ""},
+        {"file:///etc/passwd", ""},
+        {"RIFF\1\2\3\4WAVE", ""},
+        {"BM\1\2", ""},
+        {"\x89PNG", ""},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(embed(row.mSource), row.mUri) << testing::PrintToString(row.mSource);
+    }
+}
+
+TEST(Picture, IsRefusedOneByteAboveTheLimit) {
+    std::string file = "GIF89a" + std::string(Picture::sMaxSize - 6, '\1');
+    const std::string uri = embed(file);
+    EXPECT_FALSE(uri.empty());
+    EXPECT_LT(uri.size(), 10'000'000U);
+    EXPECT_EQ(embed(uri), uri);
+    file.push_back('\1');
+    EXPECT_EQ(embed(file), "");
+    // One more group of the base64 alphabet is three more bytes.
+    EXPECT_EQ(embed(uri.substr(0, uri.find('=')) + "AAAA"), "");
+}
+
+}  // namespace
+}  // namespace kt::svg
