@@ -3,6 +3,13 @@
 
 namespace kt::text {
 
+namespace {
+
+/// Far more families than a set of documents has, unless it is made to exhaust memory.
+constexpr std::size_t sMaxStackCount = 1024;
+
+}  // namespace
+
 FontCatalog& FontCatalog::getInstance() {
     static auto* sInstance = new FontCatalog;
     return *sInstance;
@@ -11,6 +18,9 @@ FontCatalog& FontCatalog::getInstance() {
 std::shared_ptr<const FontStack> FontCatalog::getStack(const std::string& family, unsigned style) {
     const unsigned usedStyle = style & (TextProperties::sBold | TextProperties::sItalic);
     const std::scoped_lock lock(mStackMutex);
+    if (mStacks.size() > sMaxStackCount) {
+        mStacks.clear();
+    }
     std::shared_ptr<const FontStack>& stack = mStacks[{family, usedStyle}];
     if (stack == nullptr) {
         stack = std::make_shared<FontStack>(*this, family, usedStyle);

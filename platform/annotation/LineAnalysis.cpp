@@ -10,6 +10,8 @@ namespace kt::text {
 namespace {
 
 constexpr char32_t sJoiner = 0x200D;
+/// Twice what any writing needs. Shaping takes the square of a cluster's length, so that no text may make it longer.
+constexpr std::size_t sMaxClusterLength = 64;
 
 bool isSharedScript(hb_script_t script) {
     return script == HB_SCRIPT_COMMON || script == HB_SCRIPT_INHERITED || script == HB_SCRIPT_UNKNOWN;
@@ -82,9 +84,12 @@ void findScripts(std::u32string_view line, std::vector<hb_script_t>& scripts) {
     std::fill_n(scripts.begin(), undecidedCount, first);
 }
 
+bool startsCluster(std::u32string_view line, std::size_t position) { return !isExtender(line[position]); }
+
 std::size_t getClusterLength(std::u32string_view line, std::size_t start) {
     std::size_t end = start + 1;
-    while (end < line.size() && (isExtender(line[end]) || (line[end - 1] == sJoiner && line[end] >= 0x2000))) {
+    const std::size_t limit = std::min(line.size(), start + sMaxClusterLength);
+    while (end < limit && (isExtender(line[end]) || (line[end - 1] == sJoiner && line[end] >= 0x2000))) {
         ++end;
     }
     return end - start;

@@ -29,7 +29,10 @@ bool findLevels(std::u32string_view line, LineLevels& levels);
 void findScripts(std::u32string_view line, std::vector<hb_script_t>& scripts);
 
 /// Number of characters at start that must not be torn apart: a base character with the marks, joiners and selectors
-/// that follow it.
+/// that follow it. Overlong clusters are cut.
 std::size_t getClusterLength(std::u32string_view line, std::size_t start);
+
+/// Whether the character begins a cluster by its own nature rather than because an overlong cluster was cut before it.
+bool startsCluster(std::u32string_view line, std::size_t position);
 
 }  // namespace kt::text

@@ -13,8 +13,10 @@ namespace {
 
 /// Size of sub- and superscripts relative to the text around them.
 constexpr float sScriptScale = 0.63F;
-/// Styles that a layout remembers from block to block.
+/// Families and styles that a layout remembers from block to block.
 constexpr std::size_t sMaxRememberedStyles = 64;
+/// Families and styles within a block; looking one up takes a millisecond. More of them are shown in the block's own.
+constexpr std::size_t sMaxStyles = 256;
 /// Blocks larger than this cannot be told in single precision any more.
 constexpr double sMaxExtent = 1.0e30;
 
@@ -162,7 +164,8 @@ void TextLayout::shapePieces(StyleFonts& fonts, std::size_t start, std::size_t l
     for (std::size_t position = start; position < end;) {
         const std::size_t clusterLength = std::min(getClusterLength(line, position), end - position);
         const Font* font = fonts.findFont(line.substr(position, clusterLength));
-        if (pieces.empty() || pieces.back().mFont != font || pieces.back().mScript != mScripts[position]) {
+        if (pieces.empty() || pieces.back().mFont != font || pieces.back().mScript != mScripts[position] ||
+            !startsCluster(line, position)) {
             pieces.push_back({font, mScripts[position], isRightToLeft, line, position, 0});
         }
         pieces.back().mLength += clusterLength;
@@ -222,11 +225,14 @@ StyleFonts& TextLayout::findFonts(const TextProperties& properties) {
     const unsigned styleBits = properties.mStyle & (TextProperties::sBold | TextProperties::sItalic);
     mFontsKey.assign(properties.mFontName);
     mFontsKey.push_back(static_cast<char>('0' + styleBits));
-    std::unique_ptr<StyleFonts>& fonts = mFonts[mFontsKey];
-    if (fonts == nullptr) {
-        fonts = std::make_unique<StyleFonts>(FontCatalog::getInstance().getStack(properties.mFontName, styleBits));
+    if (const auto known = mFonts.find(mFontsKey); known != mFonts.end()) {
+        return *known->second;
     }
-    return *fonts;
+    if (mFonts.size() >= sMaxStyles) {
+        return *mDefaultFonts;
+    }
+    auto fonts = std::make_unique<StyleFonts>(FontCatalog::getInstance().getStack(properties.mFontName, styleBits));
+    return *mFonts.emplace(mFontsKey, std::move(fonts)).first->second;
 }
 
 LaidOutRun& TextLayout::addRun(const SegmentStyle& style) {
