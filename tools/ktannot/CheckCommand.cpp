@@ -39,10 +39,11 @@ ExitCode CheckCommand::run(Surroundings& surroundings) {
         }
         if (mIsJson) {
             writeJson(console.out(), document);
+            tellRefusal(console, document);
         } else {
             printFindings(console.out(), document);
         }
-        tellNotices(console, document, log.getLines());
+        tellLog(console, document, log.getLines());
     }
     if (!mIsJson) {
         printSummary(console.out(), census);

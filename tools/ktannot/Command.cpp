@@ -14,9 +14,11 @@ void Command::declareInputs(CLI::App& app, std::vector<std::string>& inputs) {
 
 void Command::declareColor(CLI::App& app, ColorMode& mode) {
     static const std::map<std::string, ColorMode> sWords{
-        {"auto", ColorMode::Auto}, {"always", ColorMode::Always}, {"never", ColorMode::Never}};
-    app.add_option("--color", mode, "Colours: auto (default: on a terminal, unless NO_COLOR is set), always or never")
-        ->transform(CLI::CheckedTransformer(sWords).description(""))
+        {"always", ColorMode::Always}, {"auto", ColorMode::Auto}, {"never", ColorMode::Never}};
+    app.add_option_function<std::string>(
+           "--color", [&mode](const std::string& word) { mode = sWords.at(word); },
+           "Colours: auto (default: on a terminal, unless NO_COLOR is set), always or never")
+        ->check(CLI::IsMember(sWords).description(""))
         ->type_name("WHEN");
 }
 

@@ -14,10 +14,11 @@ namespace ktannot {
 namespace {
 
 constexpr const char* sDescription =
-    "Reads legacy 3D annotations from binary documents (.kts) and variant documents (.json).";
+    "Turns legacy 3D annotations, from binary documents (.kts) and variant documents (.json), into drawings.";
 
 constexpr const char* sExamples =
     "Examples:\n"
+    "  ktannot migrate archive/        a drawing of every view of every document of a folder\n"
     "  ktannot inspect part.kts        what a document holds, as a tree\n"
     "  ktannot inspect --json part.kts the same for programs\n"
     "  ktannot check archive/          every problem of every document of a folder\n"
@@ -43,6 +44,20 @@ ExitCode endParsing(const CLI::App& app, const CLI::ParseError& error, Console& 
     return ExitCode::WrongUsage;
 }
 
+/// Throws UsageError unless the arguments begin with a command or an option of the tool itself. The parser would only
+/// say that there is no command.
+void checkFirstArgument(CLI::App& app, const std::vector<std::string>& arguments) {
+    if (arguments.empty()) {
+        throw UsageError("a command is missing\n" + app.help());
+    }
+    const std::string& first = arguments.front();
+    const bool isOption = first.starts_with('-') && app.get_option_no_throw(first) != nullptr;
+    if (!isOption &&
+        app.get_subcommands([&first](CLI::App* command) { return command->get_name() == first; }).empty()) {
+        throw UsageError("'" + first + "' is no command; 'ktannot --help' lists them");
+    }
+}
+
 }  // namespace
 
 CommandLine::CommandLine(std::vector<std::unique_ptr<Command>> commands) : mCommands(std::move(commands)) {}
@@ -60,9 +75,10 @@ ExitCode CommandLine::run(std::vector<std::string> arguments, Command::Surroundi
         command->declareOptions(*parser);
         parser->parse_complete_callback([&chosen, &command] { chosen = command.get(); });
     }
-    // The parser takes arguments from the back.
-    std::reverse(arguments.begin(), arguments.end());
     try {
+        checkFirstArgument(app, arguments);
+        // The parser takes arguments from the back.
+        std::reverse(arguments.begin(), arguments.end());
         app.parse(std::move(arguments));
         return chosen->run(surroundings);
     } catch (const CLI::ParseError& error) {

@@ -10,14 +10,17 @@ std::string describeRefusal(const LegacyDocument& document) {
            makeTerminalText(document.getReason());
 }
 
-void tellNotices(Console& console, const LegacyDocument& document, const std::vector<DocumentLog::Line>& log) {
+void tellRefusal(Console& console, const LegacyDocument& document) {
     if (!document.getReason().empty()) {
         console.tell("ktannot: " + describeRefusal(document));
     } else if (!document.getLimit().empty()) {
         console.tell("ktannot: " + makeTerminalText(document.getSource()) +
                      ": a limit was reached: " + document.getLimit());
     }
-    for (const DocumentLog::Line& line : log) {
+}
+
+void tellLog(Console& console, const LegacyDocument& document, const std::vector<DocumentLog::Line>& lines) {
+    for (const DocumentLog::Line& line : lines) {
         console.tell("ktannot: " + makeTerminalText(document.getSource()) + ": " + makeTerminalText(line.mMessage));
     }
 }

@@ -15,8 +15,10 @@ namespace ktannot {
 /// "refused: ..." or "cannot be read: ..." with the document's name in front; for documents without content.
 std::string describeRefusal(const LegacyDocument& document);
 
-/// Tells on standard error why a document has no content, which limit it reached, and what was logged while it was
-/// read.
-void tellNotices(Console& console, const LegacyDocument& document, const std::vector<DocumentLog::Line>& log);
+/// Tells on standard error why a document has no content, or which limit it reached; nothing when all is well.
+void tellRefusal(Console& console, const LegacyDocument& document);
+
+/// Tells on standard error what was logged while a document was worked on.
+void tellLog(Console& console, const LegacyDocument& document, const std::vector<DocumentLog::Line>& lines);
 
 }  // namespace ktannot

@@ -41,7 +41,8 @@ ExitCode InspectCommand::run(Surroundings& surroundings) {
         } else if (document.isLoaded()) {
             tree.print(document);
         }
-        tellNotices(console, document, log.getLines());
+        tellRefusal(console, document);
+        tellLog(console, document, log.getLines());
         outcome = worst(outcome, document.getOutcome());
     }
     return outcome;
