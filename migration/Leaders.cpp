@@ -19,7 +19,7 @@ using Leader = ktAnnotationInterface::Leader;
 struct HeadFrame {
     Vector2<float> mAlong;   ///< unit vector from the anchor to the target point; zero when there is no direction
     Vector2<float> mAcross;  ///< mAlong turned a quarter turn
-    float mSize;
+    float mSize = 0.0F;
 };
 
 /// Builders of the two kinds of heads: each kind has a style of its own.

@@ -230,8 +230,8 @@ bool ktAnnotationMigration::createAnnotationFrame(const ktAnnotationInterface* a
     }
     std::vector<OpenAnnotation> path;
     if (!convertTree(*annotation, path)) {
-        for (auto parent = path.rbegin(); parent != path.rend(); ++parent) {
-            migration::logFailure() << "Fail to migrate sub annotation of '" << parent->mLegacy->GetName() << "'";
+        for (; !path.empty(); path.pop_back()) {
+            migration::logFailure() << "Fail to migrate sub annotation of '" << path.back().mLegacy->GetName() << "'";
         }
         return false;
     }
