@@ -1,9 +1,5 @@
 include(GNUInstallDirs)
 
-# The run path of installed programs: the libraries beside them, wherever the installation stands.
-file(RELATIVE_PATH KT_RPATH_ORIGIN "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
-string(PREPEND KT_RPATH_ORIGIN "$ORIGIN/")
-
 # kt_add_layer(<target> EXPORT_NAME <name> EXPORT_SET <set> VERSION <x.y.z>
 #              HEADERS <public headers...> SOURCES <sources...>
 #              [DEPENDS <layers whose headers appear in public headers...>] [PRIVATE_DEPENDS <libraries...>])

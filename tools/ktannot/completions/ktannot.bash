@@ -1,0 +1,45 @@
+# Completion of ktannot for bash.
+_ktannot() {
+    local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command='' index
+    for ((index = 1; index < COMP_CWORD; index++)); do
+        case ${COMP_WORDS[index]} in
+            migrate | inspect | check | version)
+                command=${COMP_WORDS[index]}
+                break
+                ;;
+        esac
+    done
+
+    local words=''
+    case $previous in
+        --format) words='svg json' ;;
+        --text) words='text outlines' ;;
+        --accept) words='view-metadata known-metadata other-metadata all' ;;
+        --color) words='auto always never' ;;
+        -o | --output | --raster-dir)
+            mapfile -t COMPREPLY < <(compgen -d -- "$word")
+            return
+            ;;
+        --head-size | -j | --jobs | --memory-limit) return ;;
+        *)
+            case $command in
+                '') words='migrate inspect check version -h --help --version' ;;
+                migrate)
+                    words='-h --help -o --output --format --accept --head-size --raster-dir --text -j --jobs --report
+                        --force --skip-existing --memory-limit -q --quiet -v --verbose --log-file'
+                    ;;
+                inspect) words='-h --help --json --color' ;;
+                check) words='-h --help --json' ;;
+                version) words='-h --help' ;;
+            esac
+            [[ -z $command || $word == -* ]] || words=''
+            ;;
+    esac
+
+    if [[ -n $words ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
+    else
+        mapfile -t COMPREPLY < <(compgen -f -- "$word")
+    fi
+}
+complete -o filenames -o bashdefault -F _ktannot ktannot
