@@ -86,6 +86,18 @@ public:
         return size;
     }
 
+    /// Consumes the next size bytes as one whole read and gives their place in the stream; null, with nothing changed,
+    /// when there are fewer.
+    const std::byte* take(std::size_t size) {
+        if (size > getRemaining()) [[unlikely]] {
+            return nullptr;
+        }
+        const std::byte* bytes = mCursor;
+        mCursor += size;
+        mConsumedCount += size;
+        return bytes;
+    }
+
     /// Reads one byte as read() does, setting the error flag when there is none.
     /// @return false when there was none; value is unchanged then.
     bool readByte(std::uint8_t& value) {

@@ -31,8 +31,9 @@ public:
             const std::size_t plain = std::min(text.find('\\'), text.size());
             mText.append(text.substr(0, plain));
             text.remove_prefix(plain);
+            const char* escape = text.data();
             if (!text.empty() && !readEscape(text)) {
-                mFault = text.data();
+                mFault = escape;
                 return {};
             }
         }
@@ -200,11 +201,17 @@ private:
 
     char tokenCharacter() const { return mNext == mLast ? '\0' : mText[*mNext]; }
 
-    /// Reads the one value of the text. Null, or what is wrong at the next token.
+    /// Reads the one value of the text. Null, or what is wrong at the next token. Each step reads one token or two and
+    /// says whether a value comes next; no step calls another for a nested value.
     const char* readDocument() {
-        const char* fault = readValue();
-        while (fault == nullptr && mBuilder.getDepth() != 0) {
-            fault = mBuilder.isInMap() ? readMapPart() : readListPart();
+        const char* fault = nullptr;
+        mExpectsValue = true;
+        while (fault == nullptr && (mExpectsValue || mBuilder.getDepth() != 0)) {
+            if (mExpectsValue) {
+                fault = readValue();
+            } else {
+                fault = mBuilder.isInMap() ? readMapPart() : readListPart();
+            }
         }
         if (fault == nullptr && mNext != mLast) {
             fault = "The document must end after its one value.";
@@ -221,7 +228,7 @@ private:
                 return nullptr;
             case ',':
                 ++mNext;
-                return readMember();
+                return readKey();
             default:
                 return "Missing a comma or } after an object member.";
         }
@@ -236,13 +243,15 @@ private:
                 return nullptr;
             case ',':
                 ++mNext;
-                return readValue();
+                mExpectsValue = true;
+                return nullptr;
             default:
                 return "Missing a comma or ] after an array element.";
         }
     }
 
-    const char* readMember() {
+    /// Reads a key and its colon.
+    const char* readKey() {
         std::string_view key;
         if (tokenCharacter() != '"') {
             return "Missing a name for object member.";
@@ -255,10 +264,12 @@ private:
             return "Missing a colon after a name of object member.";
         }
         ++mNext;
-        return readValue();
+        mExpectsValue = true;
+        return nullptr;
     }
 
     const char* readValue() {
+        mExpectsValue = false;
         switch (tokenCharacter()) {
             case '{':
                 return beginMap();
@@ -290,7 +301,7 @@ private:
             mBuilder.end();
             return nullptr;
         }
-        return readMember();
+        return readKey();
     }
 
     const char* beginList() {
@@ -304,7 +315,8 @@ private:
             mBuilder.end();
             return nullptr;
         }
-        return readValue();
+        mExpectsValue = true;
+        return nullptr;
     }
 
     const char* readString() {
@@ -377,6 +389,7 @@ private:
     std::unique_ptr<simdjson::internal::dom_parser_implementation> mIndex;
     const std::uint32_t* mNext = nullptr;  ///< offset of the next token
     const std::uint32_t* mLast = nullptr;  ///< behind the last token stands the size of the text
+    bool mExpectsValue = false;
     impl::ktVariantBuilder mBuilder;
     Unescaper mUnescaper;
 };

@@ -79,6 +79,41 @@ public:
         return a.view() <=> b;
     }
 
+    /// A short text to look for, as a constant.
+    class Constant {
+    public:
+        consteval Constant(const char* text) : mText(text) {
+            if (mText.size() > sMaxInlineText) {
+                throw "too long for a constant";
+            }
+            for (std::size_t index = 0; index < sMaxInlineText; ++index) {
+                const auto byte = index < mText.size() ? static_cast<unsigned char>(mText[index]) : 0U;
+                std::uint64_t& number = index < sizeof(std::uint64_t) ? mFirst : mSecond;
+                number = number << 8 | byte;
+            }
+            mSecond = mSecond << 8 | mText.size();
+        }
+
+        constexpr std::string_view view() const noexcept { return mText; }
+
+    private:
+        friend class ktVariantKey;
+
+        std::string_view mText;
+        // The numbers that a key of this text loads.
+        std::uint64_t mFirst = 0;
+        std::uint64_t mSecond = 0;
+    };
+
+    friend bool operator==(const ktVariantKey& a, const Constant& b) noexcept { return (a <=> b) == 0; }
+    friend std::strong_ordering operator<=>(const ktVariantKey& a, const Constant& b) noexcept {
+        if (a.isLong()) {
+            return a.view() <=> b.mText;
+        }
+        const std::strong_ordering order = a.loadNumber(0) <=> b.mFirst;
+        return order != 0 ? order : a.loadNumber(sizeof(std::uint64_t)) <=> b.mSecond;
+    }
+
     friend KT_SYSTEM_API std::ostream& operator<<(std::ostream& out, const ktVariantKey& key);
 
 private:

@@ -13,7 +13,7 @@ public:
     template <typename Unsigned>
     ByteWriter& number(Unsigned value) {
         for (std::size_t byte = 0; byte < sizeof(Unsigned); ++byte) {
-            mBytes += static_cast<char>((value >> (8 * byte)) & 0xFFU);
+            mBytes += static_cast<char>((std::uint64_t{value} >> (8 * byte)) & 0xFFU);
         }
         return *this;
     }
