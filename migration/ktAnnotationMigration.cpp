@@ -41,6 +41,9 @@ struct ktAnnotationMigration::OpenAnnotation {
 
 namespace {
 
+/// Items that a root holds before sub-annotations: the frame, and at most an image with its rectangle.
+constexpr std::size_t sMaxOwnItems = 3;
+
 /// Space between text and its frame.
 constexpr Vector2<float> sTextMargin{2.0F, 2.0F};
 
@@ -275,6 +278,7 @@ bool ktAnnotationMigration::convertOwnContent(OpenAnnotation& annotation) {
     }
 
     created.mRoot = std::make_shared<kt::svg::Node>();
+    created.mRoot->editChildren().reserve(sMaxOwnItems + annotation.mSubAnnotsLeft);
     created.mRoot->setColor(migration::sBlackPaint);
     created.mRoot->setOutlineColor(migration::sBlackPaint);
     const Color textColor = chooseTextColor(legacy.mColor);
