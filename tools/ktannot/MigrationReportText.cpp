@@ -1,5 +1,6 @@
 #include "tools/ktannot/MigrationReportText.h"
 
+#include "tools/ktannot/DocumentCensus.h"
 #include "tools/ktannot/TerminalText.h"
 
 namespace ktannot {
@@ -8,10 +9,6 @@ namespace {
 
 std::string getObjectPlace(const LegacyDocument::Problem& problem) {
     return problem.mObject == 0 ? std::string() : "object " + std::to_string(problem.mObject) + ": ";
-}
-
-std::string count(std::size_t number, const char* singular, const char* plural) {
-    return std::to_string(number) + " " + (number == 1 ? singular : plural);
 }
 
 }  // namespace
@@ -70,7 +67,7 @@ void MigrationReportText::addView(const DocumentResult& result, const ViewResult
 
 void MigrationReportText::finish(const MigrationCounts& counts, const std::string& output) {
     if (!mRefusedViews.empty()) {
-        mConsole.tell(count(mRefusedViews.size(), "view was not migrated:", "views were not migrated:"));
+        mConsole.tell(countOf(mRefusedViews.size(), "view") + " not migrated:");
         for (const std::string& line : mRefusedViews) {
             mConsole.tell("  " + line);
         }
@@ -78,9 +75,8 @@ void MigrationReportText::finish(const MigrationCounts& counts, const std::strin
     if (mIsQuiet || mHasResultsOnOutput) {
         return;
     }
-    std::string summary = count(counts.mWritten, "view", "views") + " of " +
-                          count(counts.mDocuments, "document", "documents") + " migrated to " +
-                          makeTerminalText(output);
+    std::string summary = countOf(counts.mWritten, "view") + " of " + countOf(counts.mDocuments, "document") +
+                          " migrated to " + makeTerminalText(output);
     const auto append = [&summary](std::size_t number, const char* what) {
         if (number > 0) {
             summary += "; " + std::to_string(number) + " " + what;

@@ -1,7 +1,6 @@
 #include "tools/ktannot/StopSignal.h"
 
 #include <atomic>
-#include <csignal>
 
 namespace ktannot {
 
@@ -12,23 +11,22 @@ static_assert(std::atomic<int>::is_always_lock_free, "a signal handler may only 
 
 void handle(int signal) { sPending.store(signal); }
 
-void setHandler(void (*handler)(int), int flags) {
-    struct sigaction action {};
-    action.sa_handler = handler;
-    action.sa_flags = flags;
-    sigemptyset(&action.sa_mask);
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
-}
-
 }  // namespace
 
 StopSignal::StopSignal() {
     sPending.store(0);
-    setHandler(handle, static_cast<int>(SA_RESETHAND | SA_RESTART));
+    struct sigaction action {};
+    action.sa_handler = handle;
+    action.sa_flags = static_cast<int>(SA_RESETHAND | SA_RESTART);
+    sigemptyset(&action.sa_mask);
+    sigaction(SIGINT, &action, &mReplacedInterrupt);
+    sigaction(SIGTERM, &action, &mReplacedTermination);
 }
 
-StopSignal::~StopSignal() { setHandler(SIG_DFL, 0); }
+StopSignal::~StopSignal() {
+    sigaction(SIGINT, &mReplacedInterrupt, nullptr);
+    sigaction(SIGTERM, &mReplacedTermination, nullptr);
+}
 
 int StopSignal::getPending() { return sPending.load(); }
 

@@ -3,10 +3,12 @@
 /// @file
 /// Orderly end on request.
 
+#include <csignal>
+
 namespace ktannot {
 
-/// While it lives, SIGINT and SIGTERM ask for an end instead of ending the process; a second one ends it at once. One
-/// object at a time.
+/// While it lives, SIGINT and SIGTERM ask for an end instead of ending the process; a second one ends it at once. What
+/// the signals did before comes back at the end. One object at a time.
 class StopSignal {
 public:
     StopSignal();
@@ -16,6 +18,10 @@ public:
 
     /// The signal that asked for an end, 0 when none did. Safe to call from any thread.
     static int getPending();
+
+private:
+    struct sigaction mReplacedInterrupt {};
+    struct sigaction mReplacedTermination {};
 };
 
 }  // namespace ktannot

@@ -4,6 +4,7 @@
 #include "tools/ktannot/CheckCommand.h"
 #include "tools/ktannot/CommandLine.h"
 #include "tools/ktannot/InspectCommand.h"
+#include "tools/ktannot/MigrateCommand.h"
 #include "tools/ktannot/ProcessSetup.h"
 #include "tools/ktannot/TerminalText.h"
 #include "tools/ktannot/VersionCommand.h"
@@ -20,6 +21,7 @@ namespace {
 
 std::vector<std::unique_ptr<Command>> createCommands() {
     std::vector<std::unique_ptr<Command>> commands;
+    commands.push_back(std::make_unique<MigrateCommand>());
     commands.push_back(std::make_unique<InspectCommand>());
     commands.push_back(std::make_unique<CheckCommand>());
     commands.push_back(std::make_unique<VersionCommand>());
