@@ -105,13 +105,13 @@ public:
         std::uint64_t mSecond = 0;
     };
 
-    friend bool operator==(const ktVariantKey& a, const Constant& b) noexcept { return (a <=> b) == 0; }
-    friend std::strong_ordering operator<=>(const ktVariantKey& a, const Constant& b) noexcept {
-        if (a.isLong()) {
-            return a.view() <=> b.mText;
+    bool operator==(const Constant& other) const noexcept { return (*this <=> other) == 0; }
+    std::strong_ordering operator<=>(const Constant& other) const noexcept {
+        if (isLong()) {
+            return view() <=> other.mText;
         }
-        const std::strong_ordering order = a.loadNumber(0) <=> b.mFirst;
-        return order != 0 ? order : a.loadNumber(sizeof(std::uint64_t)) <=> b.mSecond;
+        const std::strong_ordering order = loadNumber(0) <=> other.mFirst;
+        return order != 0 ? order : loadNumber(sizeof(std::uint64_t)) <=> other.mSecond;
     }
 
     friend KT_SYSTEM_API std::ostream& operator<<(std::ostream& out, const ktVariantKey& key);
