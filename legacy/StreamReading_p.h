@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string>
 
 namespace ktLegacy::reading {
@@ -33,18 +34,26 @@ inline void readVector(kt::ktBaseStream& stream, Wm4::Vector3<float>& vector) {
     stream.readle(4, 3, &vector);
 }
 
-/// Fills what the data can fill.
+/// Reads the bytes of a text; those that the data does not fill are NUL.
 inline void readBytes(kt::ktBaseStream& stream, char* destination, std::size_t size) {
-    if (stream.read(destination, size) != size) {
-        stream.setStreamError();
+    if (const std::byte* bytes = stream.take(size); bytes != nullptr) [[likely]] {
+        std::memcpy(destination, bytes, size);
+        return;
     }
+    std::memset(destination, 0, size);
+    stream.read(destination, size);
+    stream.setStreamError();
 }
 
-/// Reads a text with its length. It is sized before it is filled: bytes that the data does not fill are NUL.
+/// Reads a text with its length.
 inline void readText(kt::ktBaseStream& stream, std::string& text) {
     const std::size_t length = readLength(stream);
     stream.chargeMemory(length, 1);
-    text.assign(length, '\0');
+    if (const std::byte* bytes = stream.take(length); bytes != nullptr) [[likely]] {
+        text.assign(reinterpret_cast<const char*>(bytes), length);
+        return;
+    }
+    text.resize(length);
     readBytes(stream, text.data(), length);
 }
 

@@ -10,7 +10,9 @@
 
 #include <algorithm>
 #include <array>
+#include <compare>
 #include <cstddef>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -21,7 +23,17 @@ using VariantList = kt::ktVariant::ktVariantListImpl;
 
 /// Keys to look for, in ascending byte order.
 template <std::size_t Count>
-using Keys = std::array<std::string_view, Count>;
+using Keys = std::array<kt::ktVariantKey::Constant, Count>;
+
+/// Makes the keys of a table; it does not compile when they are out of order.
+template <typename... Texts>
+consteval Keys<sizeof...(Texts)> makeKeys(Texts... texts) {
+    const std::array<std::string_view, sizeof...(Texts)> ordered{texts...};
+    if (!std::is_sorted(ordered.begin(), ordered.end())) {
+        throw std::invalid_argument("keys must ascend");
+    }
+    return {kt::ktVariantKey::Constant(texts)...};
+}
 
 /// Finds all keys in one pass, as the entries of a map ascend too. Absent keys give null.
 template <std::size_t Count>
@@ -29,9 +41,8 @@ std::array<const kt::ktVariant*, Count> findKeys(const VariantMap& map, const Ke
     std::array<const kt::ktVariant*, Count> values{};
     std::size_t wanted = 0;
     for (const auto& entry : map) {
-        const std::string_view key = entry.first;
-        int order = -1;
-        while (wanted < Count && (order = keys[wanted].compare(key)) < 0) {
+        std::strong_ordering order = std::strong_ordering::greater;
+        while (wanted < Count && (order = entry.first <=> keys[wanted]) > 0) {
             ++wanted;
         }
         if (wanted == Count) {

@@ -206,10 +206,9 @@ enum Key : std::size_t {
     KeyCount,
 };
 
-constexpr reading::Keys<KeyCount> sKeys{"children",      "childs",        "color",         "frameshape",
-                                        "isframelocked", "isignoreztest", "isscalelocked", "leaders",
-                                        "measures",      "metadata",      "name",          "position"};
-static_assert(std::is_sorted(sKeys.begin(), sKeys.end()));
+constexpr auto sKeys = reading::makeKeys("children", "childs", "color", "frameshape", "isframelocked", "isignoreztest",
+                                         "isscalelocked", "leaders", "measures", "metadata", "name", "position");
+static_assert(sKeys.size() == KeyCount);
 
 }  // namespace
 
@@ -506,7 +505,8 @@ bool ktAnnotationInterface::Leader::loadFromVariant(const kt::ktVariant& value, 
     if (map == nullptr) {
         return false;
     }
-    const auto [head, position] = reading::findKeys<2>(*map, {"head", "pos"});
+    static constexpr auto keys = reading::makeKeys("head", "pos");
+    const auto [head, position] = reading::findKeys(*map, keys);
     mPosition = Wm4::Vector3<float>::ZERO;
     reading::readVector(position, mPosition);
     mHead = reading::readWord(reading::VariantText(head).get(), sHeadWords, HeadNone);
@@ -519,7 +519,8 @@ bool ktAnnotationInterface::MeasureLeader::loadFromVariant(const kt::ktVariant& 
     if (map == nullptr) {
         return false;
     }
-    const auto [pointA, pointB, offset, arrows] = reading::findKeys<4>(*map, {"A", "B", "V", "arrowdir"});
+    static constexpr auto keys = reading::makeKeys("A", "B", "V", "arrowdir");
+    const auto [pointA, pointB, offset, arrows] = reading::findKeys(*map, keys);
     if (version >= version::s6_22) {
         mArrowDirection = reading::readWord(reading::VariantText(arrows).get(), sArrowWords, ArrowsUnspecified);
     }
@@ -580,7 +581,8 @@ bool ktAnnotationInterface::loadSubAnnotsFromVariant(const kt::ktVariant* value,
         if (map == nullptr) {
             return false;
         }
-        const auto [anchor, typeValue] = reading::findKeys<2>(*map, {"anchorloc", "type"});
+        static constexpr auto keys = reading::makeKeys("anchorloc", "type");
+        const auto [anchor, typeValue] = reading::findKeys(*map, keys);
         const reading::VariantText type(typeValue);
         const bool isText = type.get() == "text";
         if (!isText && type.get() != "raster") {

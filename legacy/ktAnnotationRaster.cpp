@@ -53,7 +53,8 @@ bool ktAnnotationRaster::loadFromVariant(const kt::ktVariant::ktVariantMapImpl& 
         errors.emplace_back("invalid version for text annotation");  // the word is intended: both kinds share the text
         return false;
     }
-    const auto [rasterName, size] = reading::findKeys<2>(map, {"rastername", "sizeem"});
+    static constexpr auto keys = reading::makeKeys("rastername", "sizeem");
+    const auto [rasterName, size] = reading::findKeys(map, keys);
     if (size != nullptr) {
         const reading::VariantList* list = size->getList();
         if (list == nullptr) {

@@ -119,7 +119,8 @@ void ktAnnotationText::TextProperties::load(kt::ktBaseStream& stream) {
 
 void ktAnnotationText::TextProperties::loadFromVariant(const kt::ktVariant::ktVariantMapImpl& map,
                                                        const kt::ktStreamVersion& /*version*/) {
-    const auto [bold, font, height, italic] = reading::findKeys<4>(map, {"bold", "font", "heightem", "italic"});
+    static constexpr auto keys = reading::makeKeys("bold", "font", "heightem", "italic");
+    const auto [bold, font, height, italic] = reading::findKeys(map, keys);
     DerivedProperties(*this, {height, bold, italic, font}).store(*this);
 }
 
@@ -252,9 +253,7 @@ void ktAnnotationText::TextSegment::loadText(kt::ktBaseStream& stream) {
     stream.readle(2, 1, &length);
     if (length != 0) {
         stream.chargeMemory(std::uint64_t{length} + 1, 1);
-        char* text = allocateText(length);
-        std::memset(text, 0, length);
-        reading::readBytes(stream, text, length);
+        reading::readBytes(stream, allocateText(length), length);
     }
 }
 
@@ -376,7 +375,8 @@ bool ktAnnotationText::loadFromVariant(const kt::ktVariant::ktVariantMapImpl& ma
         errors.emplace_back("invalid version for text annotation");
         return false;
     }
-    const auto [defaults, lines, text] = reading::findKeys<3>(map, {"defaulttextprop", "lines", "text"});
+    static constexpr auto keys = reading::makeKeys("defaulttextprop", "lines", "text");
+    const auto [defaults, lines, text] = reading::findKeys(map, keys);
     if (defaults != nullptr) {
         const reading::VariantMap* properties = defaults->getMap();
         if (properties != nullptr) {
@@ -395,6 +395,8 @@ bool ktAnnotationText::loadFromVariant(const kt::ktVariant::ktVariantMapImpl& ma
 
 void ktAnnotationText::loadLinesFromVariant(const kt::ktVariant::ktVariantListImpl& lines,
                                             std::vector<std::string>& errors) {
+    const bool areDefaultsStable =
+        toStoredHeight(mDefaultTextProperties.getHeightEm()) == mDefaultTextProperties.mHeight;
     mLines.reserve(mLines.size() + lines.size());
     for (const kt::ktVariant& item : lines) {
         const reading::VariantList* segments = item.getList();
@@ -407,7 +409,7 @@ void ktAnnotationText::loadLinesFromVariant(const kt::ktVariant::ktVariantListIm
         for (const kt::ktVariant& segment : *segments) {
             const reading::VariantMap* map = segment.getMap();
             if (map != nullptr) {
-                loadSegmentFromVariant(*map, line.emplace_back());
+                loadSegmentFromVariant(*map, areDefaultsStable, line.emplace_back());
             } else {
                 errors.emplace_back("invalid segment");
             }
@@ -415,16 +417,22 @@ void ktAnnotationText::loadLinesFromVariant(const kt::ktVariant::ktVariantListIm
     }
 }
 
-void ktAnnotationText::loadSegmentFromVariant(const kt::ktVariant::ktVariantMapImpl& map, TextSegment& segment) const {
-    const auto [bold, font, height, italic, text, type] =
-        reading::findKeys<6>(map, {"bold", "font", "heightem", "italic", "text", "type"});
+void ktAnnotationText::loadSegmentFromVariant(const kt::ktVariant::ktVariantMapImpl& map, bool areDefaultsStable,
+                                              TextSegment& segment) const {
+    static constexpr auto keys = reading::makeKeys("bold", "font", "heightem", "italic", "text", "type");
+    const auto [bold, font, height, italic, text, type] = reading::findKeys(map, keys);
     segment.assignText(reading::VariantText(text).get());
-    const DerivedProperties properties(mDefaultTextProperties, {height, bold, italic, font});
-    if (!properties.isEqual(mDefaultTextProperties)) {
-        segment.setTextProperties(mDefaultTextProperties);
-        properties.store(*segment.mProperties);
+    const bool hasPropertyKeys = bold != nullptr || font != nullptr || height != nullptr || italic != nullptr;
+    if (hasPropertyKeys || !areDefaultsStable) {
+        const DerivedProperties properties(mDefaultTextProperties, {height, bold, italic, font});
+        if (!properties.isEqual(mDefaultTextProperties)) {
+            segment.setTextProperties(mDefaultTextProperties);
+            properties.store(*segment.mProperties);
+        }
     }
-    segment.mType = reading::readWord(reading::VariantText(type).get(), sSegmentTypeWords, SegmentType::Normal);
+    if (type != nullptr) {
+        segment.mType = reading::readWord(reading::VariantText(type).get(), sSegmentTypeWords, SegmentType::Normal);
+    }
 }
 
 }  // namespace ktLegacy

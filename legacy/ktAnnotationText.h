@@ -134,7 +134,10 @@ private:
     void loadPrior_6_15(kt::ktBaseStream& stream);
     void loadLines(kt::ktBaseStream& stream);
     void loadLinesFromVariant(const kt::ktVariant::ktVariantListImpl& lines, std::vector<std::string>& errors);
-    void loadSegmentFromVariant(const kt::ktVariant::ktVariantMapImpl& map, TextSegment& segment) const;
+    /// @param areDefaultsStable  the default height survives its conversion, so that a map without property keys cannot
+    ///                           differ from the defaults.
+    void loadSegmentFromVariant(const kt::ktVariant::ktVariantMapImpl& map, bool areDefaultsStable,
+                                TextSegment& segment) const;
     void setPlainText(std::string_view text);
 };
 

@@ -30,25 +30,7 @@ void loadAnnotations(kt::ktBaseStream& stream, std::uint32_t count, Annotations&
     }
 }
 
-/// Keys of a view map, in the order of sKeys.
-enum Key : std::size_t {
-    KeyAnnotations,
-    KeyAxis,
-    KeyMetadata,
-    KeyName,
-    KeyNormal,
-    KeyOrigin,
-    KeyRasterAnnotations,
-    KeyTextAnnotations,
-    KeyVersion,
-    KeyCount,
-};
-
-constexpr reading::Keys<KeyCount> sKeys{
-    "annotations", "axis", "metadata", "name", "normal", "origin", "rasterannotations", "textannotations", "ver"};
-static_assert(std::is_sorted(sKeys.begin(), sKeys.end()));
-
-/// Reads the views of one document map; the messages come in the order in which the keys are looked at.
+/// Reads the view of one document map; the messages come in the order in which the keys are looked at.
 class ViewMapReader {
 public:
     ViewMapReader(ktAnnotationView& view, kt::ktStreamVersion version, std::vector<std::string>& errors)
@@ -243,28 +225,27 @@ void ktAnnotationView::Load(kt::ktBaseStream& stream) {
 
 kt::ktPointer<ktAnnotationView> ktAnnotationView::FromVariantMap(const kt::ktVariant::ktVariantMapImpl& map,
                                                                  std::vector<std::string>& errors) {
-    const auto values = reading::findKeys(map, sKeys);
-    const reading::VariantText versionText(values[KeyVersion]);
+    const reading::VariantText versionText(reading::findKey(map, "ver"));
     const kt::ktStreamVersion version(versionText.get());
     if (version < version::s6_17) {
         errors.push_back("invalid version " + std::string(versionText.get()));
         return {};
     }
     kt::ktPointer<ktAnnotationView> view(new ktAnnotationView);
-    if (values[KeyName] != nullptr) {
-        view->SetName(std::string(reading::VariantText(values[KeyName]).get()));
+    if (const kt::ktVariant* name = reading::findKey(map, "name"); name != nullptr) {
+        view->SetName(std::string(reading::VariantText(name).get()));
     }
     ViewMapReader reader(*view, version, errors);
-    reader.readPlaneVector(values[KeyOrigin], view->mOrigin, "invalid 'origin' field");
-    reader.readPlaneVector(values[KeyNormal], view->mNormal, "invalid 'normal' field");
-    reader.readPlaneVector(values[KeyAxis], view->mAxis, "invalid 'axis' field");
+    reader.readPlaneVector(reading::findKey(map, "origin"), view->mOrigin, "invalid 'origin' field");
+    reader.readPlaneVector(reading::findKey(map, "normal"), view->mNormal, "invalid 'normal' field");
+    reader.readPlaneVector(reading::findKey(map, "axis"), view->mAxis, "invalid 'axis' field");
     if (version >= version::s6_27) {
-        reader.readMetadata(values[KeyMetadata]);
+        reader.readMetadata(reading::findKey(map, "metadata"));
     }
     const bool hasAnnotations = version >= version::s6_22
-                                    ? reader.readAnnotations(values[KeyAnnotations])
-                                    : reader.readTextAnnotations(values[KeyTextAnnotations]) &&
-                                          reader.readRasterAnnotations(values[KeyRasterAnnotations]);
+                                    ? reader.readAnnotations(reading::findKey(map, "annotations"))
+                                    : reader.readTextAnnotations(reading::findKey(map, "textannotations")) &&
+                                          reader.readRasterAnnotations(reading::findKey(map, "rasterannotations"));
     return hasAnnotations ? view : nullptr;
 }
 
