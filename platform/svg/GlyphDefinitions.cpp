@@ -13,7 +13,7 @@ namespace {
 /// Outlines are written to this part of their size, so that even large letters keep their shape.
 constexpr int sSignificantDecimals = 5;
 
-int getDecimals(const Path& outline) {
+int getOutlineDecimals(const Path& outline) {
     const BoundingBox box = ComputeEstimatedBoundingBox(outline);
     const double size = static_cast<double>(std::max(box.getWidth(), box.getHeight()));
     if (!(size > 0.0)) {
@@ -37,7 +37,7 @@ unsigned GlyphDefinitions::define(const Path& outline) {
         mBuffer.append("<path id=\"g");
         mBuffer.append(std::to_string(entry->second));
         mBuffer.append("\" d=\"");
-        appendPathData(mBuffer, outline, 0.0, 0.0, getDecimals(outline));
+        appendPathData(mBuffer, outline, 0.0, 0.0, getOutlineDecimals(outline));
         mBuffer.append("\"/>\n");
     }
     return entry->second;

@@ -58,17 +58,6 @@ std::string_view getName(ItemInterface::Kind kind) {
     return "a group";
 }
 
-/// Decimals that keep coordinates within their tolerance when they are scaled so.
-int getDecimals(double scale) {
-    if (scale == 1.0) {
-        return sCoordinateDecimals;
-    }
-    // Rotations have a scale of 1 with the rounding of their sine and cosine.
-    constexpr double rounding = 1e-6;
-    const double digits = std::ceil(std::log10(scale) - rounding);
-    return sCoordinateDecimals + static_cast<int>(std::clamp(digits, -3.0, 20.0));
-}
-
 char* putNumber(char* out, double value, int decimals) {
     return decimals == sCoordinateDecimals ? formatCoordinate(out, value) : formatNumber(out, value, decimals);
 }
@@ -84,6 +73,11 @@ bool hasFragileBlanks(std::string_view text) {
         isAfterBlank = isBlank;
     }
     return isAfterBlank;
+}
+
+bool haveSameFont(const Text& a, const Text& b) {
+    return &a == &b || (a.getSize() == b.getSize() && a.isBold() == b.isBold() && a.isItalic() == b.isItalic() &&
+                        a.getFont() == b.getFont());
 }
 
 /// The family as a quoted CSS string with a generic family to fall back on.
@@ -124,6 +118,16 @@ bool SvgWriter::isWritable(const ItemInterface& item) {
         }
     }
     return false;
+}
+
+int getDecimals(double scale) {
+    if (scale == 1.0) {
+        return sCoordinateDecimals;
+    }
+    // Rotations have a scale of 1 with the rounding of their sine and cosine.
+    constexpr double rounding = 1e-6;
+    const double digits = std::ceil(std::log10(scale) - rounding);
+    return sCoordinateDecimals + static_cast<int>(std::clamp(digits, -3.0, 20.0));
 }
 
 ItemWriter::ItemWriter(std::string& output, const SvgWriter::Options& options)
@@ -353,7 +357,14 @@ void ItemWriter::writeText(const Text& text, const Affine& map, const WriteConte
     out = putNumber(out, static_cast<double>(text.getPosition().y) + placement.mY, placement.mDecimals);
     *out++ = '"';
     mBuffer.commit(out);
-    appendFont(text, placement.mDecimals);
+    if (context.mFont == nullptr || placement.mIsTransformed || !haveSameFont(*context.mFont, text)) {
+        appendFont(text, placement.mDecimals);
+        // What the groups say of weight and style must not reach this text.
+        if (context.mFont != nullptr) {
+            mBuffer.append(context.mFont->isBold() && !text.isBold() ? " font-weight=\"normal\"" : "");
+            mBuffer.append(context.mFont->isItalic() && !text.isItalic() ? " font-style=\"normal\"" : "");
+        }
+    }
     out = mBuffer.reserve(sNumbersSize);
     if (text.getLength() > 0.0F) {
         out = putLiteral(out, " textLength=\"");

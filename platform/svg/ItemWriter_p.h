@@ -19,6 +19,7 @@ namespace kt::svg {
 class Image;
 class Path;
 class Rect;
+
 class Text;
 
 /// Fill and outline colour.
@@ -29,11 +30,15 @@ struct Paint {
 
 /// Where in the file an item is written.
 struct WriteContext {
-    Affine mMap;          ///< from the item's surroundings to the innermost open group
-    double mScale = 1.0;  ///< of that group in the file's frame
-    Paint mInherited;     ///< colours that the item inherits
-    Paint mWritten;       ///< colours that the innermost open group has in the file
+    Affine mMap;                  ///< from the item's surroundings to the innermost open group
+    double mScale = 1.0;          ///< of that group in the file's frame
+    Paint mInherited;             ///< colours that the item inherits
+    Paint mWritten;               ///< colours that the innermost open group has in the file
+    const Text* mFont = nullptr;  ///< one whose font the open groups have in the file; null: none
 };
+
+/// Decimals that keep coordinates within their tolerance when they are scaled so.
+int getDecimals(double scale);
 
 /// Writes rectangles, images, paths and texts as elements, and what all elements share. Holds what must be known about
 /// the whole file: ids, glyphs and warnings.
@@ -47,6 +52,8 @@ public:
     /// The item's own colours, where they are colours, before the inherited ones.
     Paint getPaint(const ItemInterface& item, const Paint& inherited);
 
+    /// The text's family, size, weight and style as attributes.
+    void appendFont(const Text& text, int decimals);
     void appendTransform(const Affine& map, double outerScale);
     void appendPaint(const Paint& paint, const Paint& written);
     /// Id and class.
@@ -79,7 +86,6 @@ private:
 
     void appendBox(std::string_view start, const Wm4::Vector2<float>& position, const Wm4::Vector2<float>& size,
                    const Placement& placement);
-    void appendFont(const Text& text, int decimals);
     void appendOutlineStyle(const ItemInterface& item);
     /// Everything after the attributes that are an element's own.
     void appendCommon(const ItemInterface& item, const Affine& map, const Placement& placement, const Paint& paint,

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -53,6 +54,18 @@ void prefetch(const Node& node) {
             __builtin_prefetch(bytes + offset);
         }
     }
+}
+
+/// A text whose font is worth saying once for the group: there are others. Null when there is none.
+const Text* findCommonFont(const Node& node) {
+    const auto isWritten = [](const auto& child) {
+        return child->getKind() == ItemInterface::Kind::Text && SvgWriter::isWritable(*child) &&
+               static_cast<const Text&>(*child).getSize() > 0.0F;
+    };
+    const auto& children = node.getChildren();
+    const auto first = std::find_if(children.begin(), children.end(), isWritten);
+    const bool hasOthers = first != children.end() && std::any_of(std::next(first), children.end(), isWritten);
+    return hasOthers ? static_cast<const Text*>(first->get()) : nullptr;
 }
 
 /// Whether the group's transform vanishes into its children: they are texts that stand upright only with it.
@@ -280,12 +293,14 @@ std::optional<SvgWriter::Document::TreeGroup> SvgWriter::Document::enter(const N
     }
     context.mInherited = mItems.getPaint(node, outer.mInherited);
 
+    const Text* font = mOptions.mTextMode == TextMode::Text && outer.mFont == nullptr ? findCommonFont(node) : nullptr;
+
     // A single child bears its group's transform and colours itself.
     const bool isForMany = node.getChildren().size() > 1;
     const bool hasNames = node.getId() || node.getClass();
     const bool hasColor = isForMany && node.getColor() && context.mInherited.mColor != outer.mWritten.mColor;
     const bool hasTransform = isForMany && !context.mMap.isTranslation() && !isUndoneByChildren(context.mMap, node);
-    if (!canOpen() || !(hasNames || hasColor || hasTransform)) {
+    if (!canOpen() || !(hasNames || hasColor || hasTransform || font != nullptr)) {
         return group;
     }
     mBuffer.append("<g");
@@ -297,6 +312,10 @@ std::optional<SvgWriter::Document::TreeGroup> SvgWriter::Document::enter(const N
     if (hasColor) {
         context.mWritten.mColor = context.mInherited.mColor;
         mItems.appendPaint(context.mWritten, outer.mWritten);
+    }
+    if (font != nullptr) {
+        mItems.appendFont(*font, getDecimals(context.mScale));
+        context.mFont = font;
     }
     mItems.appendNames(node);
     mBuffer.append(">\n");

@@ -18,6 +18,7 @@ public:
     /// Most bytes that one reserve() may ask for.
     static constexpr std::size_t sMaxReserve = 2048;
 
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): the chunk is written before it is read
     explicit TextBuffer(std::string& target) : mTarget(&target) {}
 
     /// Room for size bytes; what was written there is appended by commit(end).
@@ -58,9 +59,11 @@ public:
     }
 
 private:
+    static constexpr std::size_t sChunkSize = 16384;
+
     std::string* mTarget;
     std::size_t mUsed = 0;
-    std::array<char, 16 * 1024> mChunk;  // NOLINT(cppcoreguidelines-pro-type-member-init): written before it is read
+    std::array<char, sChunkSize> mChunk;
 };
 
 /// Copies a literal without its NUL and gives the end.

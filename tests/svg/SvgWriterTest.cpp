@@ -280,6 +280,24 @@ TEST(SvgWriter, WritesTextAttributes) {
     EXPECT_EQ(Written(*makeText("one blank each")).get("text").mAttributes.count("xml:space"), 0U);
 }
 
+TEST(SvgWriter, SaysTheFontOfSeveralTextsOnce) {
+    Node group;
+    for (const bool isBold : {true, true, false}) {
+        auto text = makeText("A");
+        text->setBold(isBold);
+        group.appendChild(text);
+    }
+    const Written written(group);
+    EXPECT_EQ(written.get("g").getAttribute("font-family"), "'Arial',sans-serif");
+    EXPECT_EQ(written.get("g").getAttribute("font-weight"), "bold");
+    const auto texts = test::findElements(written.mElements, "text");
+    ASSERT_EQ(texts.size(), 3U);
+    EXPECT_EQ(texts[0].mAttributes.count("font-size"), 0U);
+    EXPECT_EQ(texts[1].mAttributes.count("font-size"), 0U);
+    EXPECT_EQ(texts[2].getAttribute("font-size"), "3.175");
+    EXPECT_EQ(texts[2].getAttribute("font-weight"), "normal");
+}
+
 TEST(SvgWriter, FlattensWhatIsNestedTooDeeply) {
     auto leaf = makeRect();
     auto root = std::make_shared<Node>();
