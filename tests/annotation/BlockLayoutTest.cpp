@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <limits>
+#include <ostream>
 
 namespace kt {
 namespace {
@@ -167,6 +168,8 @@ struct ExtentlessCase {
     const char* mName;
     TextArea mArea;
 };
+
+void PrintTo(const ExtentlessCase& testCase, std::ostream* stream) { *stream << testCase.mName; }
 
 class ExtentlessBlockTest : public testing::TestWithParam<ExtentlessCase> {};
 

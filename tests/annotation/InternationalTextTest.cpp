@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <ostream>
 
 namespace kt {
 namespace {
@@ -25,6 +26,8 @@ struct ScriptCase {
     const char* mText;
     bool mIsRightToLeft;
 };
+
+void PrintTo(const ScriptCase& testCase, std::ostream* stream) { *stream << testCase.mName; }
 
 class ScriptTest : public testing::TestWithParam<ScriptCase> {};
 
@@ -85,6 +88,8 @@ struct OrderCase {
     std::vector<const char*> mSegments;
     std::vector<std::string> mVisualOrder;
 };
+
+void PrintTo(const OrderCase& testCase, std::ostream* stream) { *stream << testCase.mName; }
 
 class OrderTest : public testing::TestWithParam<OrderCase> {};
 

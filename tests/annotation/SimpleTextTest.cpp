@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <random>
 
 namespace kt {
@@ -21,6 +22,8 @@ struct BytesCase {
     std::string_view mBytes;
     std::string_view mShown;
 };
+
+void PrintTo(const BytesCase& testCase, std::ostream* stream) { *stream << testCase.mName; }
 
 class BytesTest : public testing::TestWithParam<BytesCase> {};
 
