@@ -42,13 +42,13 @@ std::array<const kt::ktVariant*, Count> findKeys(const VariantMap& map, const Ke
     std::size_t wanted = 0;
     for (const auto& entry : map) {
         std::strong_ordering order = std::strong_ordering::greater;
-        while (wanted < Count && (order = entry.first <=> keys[wanted]) > 0) {
+        while (wanted < Count && std::is_gt(order = entry.first <=> keys[wanted])) {
             ++wanted;
         }
         if (wanted == Count) {
             break;
         }
-        if (order == 0) {
+        if (std::is_eq(order)) {
             values[wanted++] = &entry.second;
         }
     }
