@@ -29,10 +29,12 @@ Reference makeReference(const kt::ktGenericTransformation<Real>& transformation)
     for (int row = 0; row < 3; ++row) {
         auto& entries = reference.at(static_cast<std::size_t>(row));
         for (int column = 0; column < 3; ++column) {
-            const long double scale = transformation.IsRSMatrix() ? transformation.GetScale()[column] : Real(1);
-            entries.at(static_cast<std::size_t>(column)) = scale * transformation.GetMatrix()[row][column];
+            const auto scale =
+                static_cast<long double>(transformation.IsRSMatrix() ? transformation.GetScale()[column] : 1);
+            entries.at(static_cast<std::size_t>(column)) =
+                scale * static_cast<long double>(transformation.GetMatrix()[row][column]);
         }
-        entries[3] = transformation.GetTranslate()[row];
+        entries[3] = static_cast<long double>(transformation.GetTranslate()[row]);
     }
     reference[3][3] = 1;
     return reference;
@@ -50,20 +52,27 @@ inline Reference multiply(const Reference& a, const Reference& b) {
     return product;
 }
 
+template <typename Real>
+ReferencePoint widen(const Wm4::Vector3<Real>& point) {
+    return {static_cast<long double>(point.x), static_cast<long double>(point.y), static_cast<long double>(point.z)};
+}
+
 /// The weight is 1 for points and 0 for directions.
 template <typename Real>
 ReferencePoint applyReference(const Reference& reference, const Wm4::Vector3<Real>& point, long double weight = 1) {
+    const auto [x, y, z] = widen(point);
     ReferencePoint result{};
     for (std::size_t row = 0; row < 3; ++row) {
         const auto& entries = reference.at(row);
-        result.at(row) = entries[0] * point.x + entries[1] * point.y + entries[2] * point.z + entries[3] * weight;
+        result.at(row) = entries[0] * x + entries[1] * y + entries[2] * z + entries[3] * weight;
     }
     return result;
 }
 
 template <typename Real>
 long double measureDistance(const Wm4::Vector3<Real>& point, const ReferencePoint& expected) {
-    return std::hypot(point.x - expected[0], point.y - expected[1], point.z - expected[2]);
+    const auto [x, y, z] = widen(point);
+    return std::hypot(x - expected[0], y - expected[1], z - expected[2]);
 }
 
 template <typename Real>

@@ -11,13 +11,15 @@ namespace {
 
 using ktTest::Kind;
 
+enum class Operation : std::uint8_t { Forward, ForwardDirection, Inverse };
+
+constexpr Operation sOperations[] = {Operation::Forward, Operation::ForwardDirection, Operation::Inverse};
+
 template <typename Real>
 class TransformationArray : public testing::Test {
 protected:
     using Transformation = kt::ktGenericTransformation<Real>;
     using Vector = Wm4::Vector3<Real>;
-
-    enum class Operation : std::uint8_t { Forward, ForwardDirection, Inverse };
 
     static Vector mapOne(const Transformation& transformation, Operation operation, const Vector& point) {
         return operation == Operation::Inverse ? transformation.ApplyInverse(point, true)
@@ -50,7 +52,6 @@ protected:
                               << (isInPlace ? ", in place" : "");
     }
 
-    static constexpr Operation sOperations[] = {Operation::Forward, Operation::ForwardDirection, Operation::Inverse};
     ktTest::RandomTransformations<Real> mRandom;
 };
 
@@ -61,7 +62,7 @@ TYPED_TEST(TransformationArray, ShortArraysOfEveryLength) {
     for (const Kind kind : ktTest::sKinds) {
         SCOPED_TRACE(static_cast<int>(kind));
         const auto transformation = this->mRandom.transformation(kind);
-        for (const auto operation : this->sOperations) {
+        for (const auto operation : sOperations) {
             for (std::size_t count = 0; count <= 70; ++count) {
                 this->checkMapping(transformation, operation, count, count % 5, false);
                 this->checkMapping(transformation, operation, count, count % 3, true);
@@ -76,11 +77,11 @@ TYPED_TEST(TransformationArray, LongArrays) {
     for (const Kind kind : {Kind::Identity, Kind::NonUniform, Kind::General}) {
         SCOPED_TRACE(static_cast<int>(kind));
         const auto transformation = this->mRandom.transformation(kind);
-        for (const auto operation : this->sOperations) {
+        for (const auto operation : sOperations) {
             this->checkMapping(transformation, operation, streamed + 13, 1, false);
         }
-        this->checkMapping(transformation, this->sOperations[0], streamed + 14, 2, true);
-        this->checkMapping(transformation, this->sOperations[0], streamed - 1, 3, false);
+        this->checkMapping(transformation, Operation::Forward, streamed + 14, 2, true);
+        this->checkMapping(transformation, Operation::Forward, streamed - 1, 3, false);
     }
 }
 
@@ -101,7 +102,7 @@ TYPED_TEST(TransformationArray, ZeroUniformScaleGivesTheLargestNumbersBack) {
     kt::ktGenericTransformation<TypeParam> transformation;
     transformation.SetUniformScale(0);
     for (std::size_t count : {1U, 17U, 70U}) {
-        this->checkMapping(transformation, this->sOperations[2], count, 0, true);
+        this->checkMapping(transformation, Operation::Inverse, count, 0, true);
     }
 }
 

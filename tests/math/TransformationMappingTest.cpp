@@ -97,7 +97,7 @@ TYPED_TEST(TransformationMapping, ForwardFollowsTheMatrix) {
 TYPED_TEST(TransformationMapping, InverseOperationsUndoForward) {
     this->forEachKind([this](const auto& transformation) {
         const auto point = this->mRandom.point();
-        const ktTest::ReferencePoint expected{point.x, point.y, point.z};
+        const ktTest::ReferencePoint expected = ktTest::widen(point);
         EXPECT_LT(
             measureDistance(transformation.ApplyInverse(transformation.ApplyForward(point, true), true), expected),
             this->sAllowance);
