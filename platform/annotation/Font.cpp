@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 #include FT_FREETYPE_H
 #include FT_OUTLINE_H
 
@@ -183,9 +184,9 @@ std::shared_ptr<const Font> Font::open(const FontSource& source) {
     return std::shared_ptr<const Font>(new Font(std::move(font), source));
 }
 
-Font::Font(FontHandle shapingFont, const FontSource& source)
+Font::Font(FontHandle shapingFont, FontSource source)
     : mShapingFont(std::move(shapingFont)),
-      mSource(source),
+      mSource(std::move(source)),
       mUnitsPerEm(hb_face_get_upem(getFace())),
       mMetrics(readMetrics(mShapingFont.get(), mUnitsPerEm)) {}
 

@@ -89,7 +89,7 @@ bool hasAll(const FcCharSet* characters, std::u32string_view cluster) {
 
 FontStack::FontStack(FontCatalog& catalog, const std::string& family, unsigned style)
     // Names end at a NUL for the font configuration.
-    : mCatalog(catalog), mFamily(family.c_str()), mRequest(createRequest(mFamily, style)) {
+    : mCatalog(catalog), mFamily(family.substr(0, family.find('\0'))), mRequest(createRequest(mFamily, style)) {
     FcResult result = FcResultMatch;
     FcFontSet* fonts = FcFontSort(nullptr, mRequest, FcTrue, nullptr, &result);
     if (fonts == nullptr) {

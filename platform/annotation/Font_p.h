@@ -9,11 +9,11 @@
 
 #include <algorithm>
 #include <array>
-#include <compare>
 #include <cstdint>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <tuple>
 #include <unordered_map>
 
 namespace kt::text {
@@ -22,7 +22,10 @@ class AdvanceTable;
 
 /// Where a font comes from, and what stands in for a style that it lacks.
 struct FontSource {
-    auto operator<=>(const FontSource&) const = default;
+    bool operator<(const FontSource& other) const {
+        return std::tie(mPath, mIndex, mIsEmboldened, mMatrix) <
+               std::tie(other.mPath, other.mIndex, other.mIsEmboldened, other.mMatrix);
+    }
 
     std::string mPath;
     unsigned mIndex = 0;                                ///< face in the file; bits 16 and up: named instance + 1
@@ -88,7 +91,7 @@ private:
     using FontHandle = std::unique_ptr<hb_font_t, FontDeleter>;
     class OutlineReader;
 
-    Font(FontHandle shapingFont, const FontSource& source);
+    Font(FontHandle shapingFont, FontSource source);
 
     FontHandle mShapingFont;
     FontSource mSource;

@@ -34,7 +34,7 @@ void reorder(const std::vector<LaidOutRun>& runs, std::vector<std::size_t>& orde
     int highest = 0;
     int lowestOdd = std::numeric_limits<std::int8_t>::max();
     for (const std::size_t index : order) {
-        const int level = runs[index].mLevel;
+        const auto level = static_cast<int>(runs[index].mLevel);
         highest = std::max(highest, level);
         lowestOdd = (level & 1) != 0 ? std::min(lowestOdd, level) : lowestOdd;
     }
