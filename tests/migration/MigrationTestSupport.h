@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// Legacy annotations, captured logs and looks at new ones for the migration tests.
+
 #include "legacy/ktAnnotationRaster.h"
 #include "legacy/ktAnnotationText.h"
 #include "library/ktAnnotationLegacyLibrary.h"

@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// Bytes of binary documents, put together by hand.
+
 #include <bit>
 #include <cstddef>
 #include <cstdint>
