@@ -1,10 +1,10 @@
 #include "platform/system/ktBlockPool.h"
 
+#include <sys/mman.h>
+
 #include <atomic>
 #include <cstdint>
 #include <mutex>
-
-#include <sys/mman.h>
 
 #if defined(__SANITIZE_ADDRESS__)
 #define KT_POOL_USES_HEAP 1
@@ -31,8 +31,8 @@ constexpr std::size_t sPageSize = 4096;
 constexpr std::size_t sAlignment = 16;
 /// Chunks kept as they are for the next document: 16 MiB.
 constexpr std::size_t sMaxWarmChunks = 64;
-/// Chunks kept beyond these, up to 1 GiB, are offered to the system, which takes their pages when it needs memory; until
-/// then they are used again without the cost of fresh pages.
+/// Chunks kept beyond these, up to 1 GiB, are offered to the system, which takes their pages when it needs memory;
+/// until then they are used again without the cost of fresh pages.
 constexpr std::size_t sMaxCachedChunks = 4096;
 /// Stands for the blocks that the owner of a chunk may still hand out: more than fit a chunk, so that the count cannot
 /// reach 0 before the owner has settled it.

@@ -173,17 +173,21 @@ private:
         return {Fate::Kept, index};
     }
 
+    /// Reports how the reading of a record ended. What a damaged record leaves over is part of that one problem.
     void reportReading(const RecordHead& head) {
+        const std::string type = quote(head.mTypeName);
+        const std::string rest = describeBytes(mStream.getRemaining());
         if (mStream.hasStreamError()) {
             mDocument.mHasStreamError = true;
-            addProblem(head.mId, mStream.getErrorOffset(),
-                       "the record of type " + quote(head.mTypeName) +
-                           " is damaged or of an unsupported version; the object keeps what could be read");
-        }
-        if (mStream.getRemaining() != 0) {
+            std::string what = "the record of type " + type +
+                               " is damaged or of an unsupported version; the object keeps what could be read";
+            if (mStream.getRemaining() != 0) {
+                what += ", " + rest + " were not read";
+            }
+            addProblem(head.mId, mStream.getErrorOffset(), std::move(what));
+        } else if (mStream.getRemaining() != 0) {
             addProblem(head.mId, mStream.getOffset(),
-                       describeBytes(mStream.getRemaining()) + " left over at the end of the " + quote(head.mTypeName) +
-                           " record; they are ignored");
+                       rest + " left over at the end of the " + type + " record; they are ignored");
         }
     }
 

@@ -48,7 +48,7 @@ FactoryRegistry& getRegistry() {
 
 }  // namespace
 
-constinit const std::string ktRttiInterface::sEmptyString;
+const std::string ktRttiInterface::sEmptyString;
 const ktRtti ktRttiInterface::TYPE("ktCore.ktRttiInterface", nullptr);
 
 ktRttiInterface::~ktRttiInterface() = default;
