@@ -1,6 +1,8 @@
 #include "platform/annotation/FontCatalog_p.h"
 #include "platform/annotation/TextProperties.h"
 
+#include <cstdlib>
+
 namespace kt::text {
 
 namespace {
@@ -11,7 +13,11 @@ constexpr std::size_t sMaxStackCount = 1024;
 }  // namespace
 
 FontCatalog& FontCatalog::getInstance() {
-    static auto* sInstance = new FontCatalog;
+    static FontCatalog* const sInstance = [] {
+        // Leak checkers do not see what the font configuration's patterns own, so nothing is left to them.
+        std::atexit([] { getInstance().clear(); });
+        return new FontCatalog;
+    }();
     return *sInstance;
 }
 

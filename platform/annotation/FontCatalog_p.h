@@ -17,7 +17,7 @@ namespace kt::text {
 /// threads.
 class FontCatalog {
 public:
-    /// Never destroyed, so that converters and items may outlive the program's static objects.
+    /// Emptied at the program's end, but never destroyed: converters and items may outlive its static objects.
     static FontCatalog& getInstance();
 
     /// The fonts of a family and style (bits of TextProperties::mStyle); never null.
