@@ -20,7 +20,11 @@ constexpr std::size_t sMaxStyles = 256;
 /// Blocks larger than this cannot be told in single precision any more.
 constexpr double sMaxExtent = 1.0e30;
 
-float getUsableSize(float size) { return std::isfinite(size) && size > 0.0F ? size : 0.0F; }
+/// Text of no size is laid out at this one, far below what can be seen: it still takes place, so that it stays in the
+/// drawing, can be found there and does not leave an annotation without a frame.
+constexpr float sMinSize = 0.001F;
+
+float getUsableSize(float size) { return std::isfinite(size) && size > sMinSize ? size : sMinSize; }
 
 /// Makes the line high enough for text of that font, size and shift.
 void addHeight(const FontMetrics& metrics, double size, double shift, LaidOutLine& line) {

@@ -180,19 +180,22 @@ TEST_P(ExtentlessBlockTest, AddsNothing) {
     EXPECT_EQ(block.mSize, Wm4::Vector2<float>(0.0F, 0.0F));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Blocks, ExtentlessBlockTest,
-    testing::Values(
-        ExtentlessCase{"NoLines", {}}, ExtentlessCase{"EmptyLine", makeArea({}, {{}})},
-        ExtentlessCase{"EmptySegment", makeArea({}, {{makeSegment("")}})},
-        ExtentlessCase{"JoinersOnly", makeArea({}, {{makeSegment("\u200D\u200D")}})},
-        ExtentlessCase{"SizeZero", makeArea(makeProperties("Arial", 0.0F), {{makeSegment("a")}})},
-        ExtentlessCase{"NegativeSize", makeArea(makeProperties("Arial", -3.0F), {{makeSegment("a")}})},
-        ExtentlessCase{"SizeNotANumber", makeArea(makeProperties("Arial", std::numeric_limits<float>::quiet_NaN()),
-                                                  {{makeSegment("a")}})},
-        ExtentlessCase{"InfiniteSize", makeArea(makeProperties("Arial", std::numeric_limits<float>::infinity()),
-                                                {{makeSegment("a")}})}),
-    [](const auto& testCase) { return testCase.param.mName; });
+INSTANTIATE_TEST_SUITE_P(Blocks, ExtentlessBlockTest,
+                         testing::Values(ExtentlessCase{"NoLines", {}}, ExtentlessCase{"EmptyLine", makeArea({}, {{}})},
+                                         ExtentlessCase{"EmptySegment", makeArea({}, {{makeSegment("")}})},
+                                         ExtentlessCase{"JoinersOnly", makeArea({}, {{makeSegment("\u200D\u200D")}})}),
+                         [](const auto& testCase) { return testCase.param.mName; });
+
+TEST(BlockLayout, KeepsTextOfNoUsableSize) {
+    for (const float size :
+         {0.0F, -3.0F, std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity()}) {
+        const LaidOutText block = test::layOutString(makeProperties("Arial", size), "kept");
+        ASSERT_EQ(block.mTexts.size(), 1U) << size;
+        EXPECT_EQ(block.mTexts[0]->getText(), "kept");
+        EXPECT_GT(block.mSize.x, 0.0F);
+        EXPECT_LT(block.mSize.x, 0.01F);
+    }
+}
 
 TEST(BlockLayout, HoldsOutAtTheLimits) {
     const LaidOutText large = test::layOutString(makeProperties("Arial", 655.34F * 3.175F), "Large");
