@@ -21,10 +21,11 @@ namespace {
 
 std::vector<std::string> getPictureFolders(const MigrationOptions& options, const Input& input) {
     if (options.mRasterFolder) {
-        return {*options.mRasterFolder};
+        return {*options.mRasterFolder + "/."};
     }
     const std::filesystem::path folder = std::filesystem::path(input.mPath).parent_path();
-    return {folder.empty() ? "." : folder.string(), (folder / "images").string()};
+    // The document's folder may be reached by a link, but its folder "images" must not be one.
+    return {(folder / ".").string(), (folder / "images").string()};
 }
 
 kt::ktCadViewSvgWriter::Options getWriterOptions(const MigrationOptions& options) {
@@ -96,8 +97,13 @@ void DocumentMigrator::migrateViews(const Input& input, DocumentResult& result) 
     }
     const bool isKept = isTaken && mOptions.mExisting == MigrationOptions::Existing::Skip;
     std::vector<CadView> dumped;
-    for (std::size_t index = 0; index < result.mViews.size() && StopSignal::getPending() == 0; ++index) {
+    for (std::size_t index = 0; index < result.mViews.size(); ++index) {
         ViewResult& viewResult = result.mViews[index];
+        if (StopSignal::getPending() != 0) {
+            viewResult.mState = ViewResult::State::Stopped;
+            result.mIsStopped = true;
+            continue;
+        }
         if (isKept && (isDump() || exists(viewResult.mFile))) {
             viewResult.mState = ViewResult::State::Skipped;
             continue;
@@ -106,7 +112,15 @@ void DocumentMigrator::migrateViews(const Input& input, DocumentResult& result) 
         result.mDocument.releaseView(index);
         finishView(std::move(view), viewResult, result, dumped);
     }
-    if (isDump() && !isKept) {
+    if (!isDump() || isKept) {
+        return;
+    }
+    if (result.mIsStopped) {
+        // A dump holds all views or is not there: --skip-existing could not tell a part from the whole.
+        for (ViewResult& viewResult : result.mViews) {
+            viewResult.mState = ViewResult::State::Stopped;
+        }
+    } else {
         writeDump(dumped, input, result);
     }
 }
@@ -235,12 +249,11 @@ std::string DocumentMigrator::getDrawingPath(const Input& input, std::size_t num
                                              const std::string& viewName) const {
     std::array<char, 24> digits{};
     std::snprintf(digits.data(), digits.size(), "%03zu", number);
-    return mOptions.mOutput + "/" + input.mDocumentName + "/" + digits.data() + "-" + makeSafeFileName(viewName) +
-           ".svg";
+    return mOptions.getPlace(input.mDocumentName) + "/" + digits.data() + "-" + makeSafeFileName(viewName) + ".svg";
 }
 
 std::string DocumentMigrator::getDumpPath(const Input& input) const {
-    return mOptions.mOutput + "/" + input.mDocumentName + ".json";
+    return mOptions.getPlace(input.mDocumentName) + ".json";
 }
 
 }  // namespace ktannot

@@ -19,6 +19,7 @@ struct ViewResult {
         Skipped,  ///< drawn before: left alone
         Refused,  ///< could not be made or migrated
         Failed,   ///< could not be written
+        Stopped,  ///< not made, because an end was asked for
     };
 
     State mState = State::Refused;
@@ -43,6 +44,7 @@ struct DocumentResult {
     std::string mText;    ///< for standard output
     std::string mReason;  ///< why the document as a whole was not migrated, beyond what its reading says
     ExitCode mOutcome = ExitCode::AllWell;
+    bool mIsStopped = false;  ///< an end was asked for before all of its views were made
 };
 
 }  // namespace ktannot

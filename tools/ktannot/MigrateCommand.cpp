@@ -17,6 +17,7 @@
 #include <oneapi/tbb/parallel_pipeline.h>
 #include <oneapi/tbb/task_arena.h>
 
+#include <atomic>
 #include <charconv>
 #include <cmath>
 #include <csignal>
@@ -71,8 +72,10 @@ DocumentResult migrateSafely(DocumentMigrator& migrator, const Input& input) {
 /// Runs the documents through the migrators, several at once, and hands the results on in the order of the inputs. Only
 /// a few results exist at any time, so that memory does not grow with the number of documents.
 /// @param receive  called on one thread at a time.
-template <typename Receive>
-void migrateAll(const std::vector<Input>& inputs, const MigrationOptions& options, int jobs, const Receive& receive) {
+/// @param isDone   asked before each document, on one thread at a time: whether no more are wanted.
+template <typename Receive, typename IsDone>
+void migrateAll(const std::vector<Input>& inputs, const MigrationOptions& options, int jobs, const Receive& receive,
+                const IsDone& isDone) {
     namespace tbb = oneapi::tbb;
     const tbb::global_control stackSize(tbb::global_control::thread_stack_size, sThreadStackSize);
     const tbb::global_control parallelism(tbb::global_control::max_allowed_parallelism, static_cast<std::size_t>(jobs));
@@ -81,7 +84,7 @@ void migrateAll(const std::vector<Input>& inputs, const MigrationOptions& option
 
     std::size_t next = 0;
     const auto takeInput = [&](tbb::flow_control& control) -> std::size_t {
-        if (next == inputs.size() || StopSignal::getPending() != 0) {
+        if (next == inputs.size() || isDone()) {
             control.stop();
             return next;
         }
@@ -199,36 +202,40 @@ void MigrateCommand::refuseSharedPlaces(const InputSet& inputs) const {
         if (!isNew) {
             throw UsageError("'" + makeTerminalText(other->second->mSource) + "' and '" +
                              makeTerminalText(input.mSource) + "' would both be written to '" +
-                             makeTerminalText(mOptions.mOutput + "/" + input.mDocumentName) +
+                             makeTerminalText(mOptions.getPlace(input.mDocumentName)) +
                              "': migrate them one by one, each with an --output of its own");
         }
     }
 }
 
-void MigrateCommand::openLogFile(DocumentLog& log) const {
+bool MigrateCommand::openLogFile(DocumentLog& log) const {
     if (mVerbosity > 1 || !mLogPath.empty()) {
         log.setThreshold(kt::ktLog::Debug);
     }
     if (mLogPath.empty()) {
-        return;
+        return true;
     }
     const auto file = std::make_shared<std::ofstream>(mLogPath, std::ios::app | std::ios::binary);
     if (!*file) {
-        throw UsageError("cannot open the log file '" + makeTerminalText(mLogPath) + "'");
+        return false;
     }
     log.setListener([file](const kt::ktLogEntry& entry) {
         *file << entry.mMilliseconds << " [" << entry.mType << "] " << makeTerminalText(entry.mMessage) << '\n'
               << std::flush;
     });
+    return true;
 }
 
 ExitCode MigrateCommand::run(Surroundings& surroundings) {
     checkOptions();
     const InputSet inputs(mInputs);
     refuseSharedPlaces(inputs);
-    openLogFile(surroundings.mLog);
 
     Console& console = surroundings.mConsole;
+    if (!openLogFile(surroundings.mLog)) {
+        console.tell(makeTerminalText(mLogPath) + ": the log file cannot be opened");
+        return ExitCode::EnvironmentFailed;
+    }
     std::unique_ptr<MigrationReportFile> reportFile;
     if (!mReportPath.empty()) {
         reportFile = std::make_unique<MigrationReportFile>(mReportPath);
@@ -247,11 +254,13 @@ ExitCode MigrateCommand::run(Surroundings& surroundings) {
     std::size_t done = 0;
 
     const int jobs = mJobs > 0 ? mJobs : oneapi::tbb::info::default_concurrency();
-    migrateAll(inputs.getInputs(), mOptions, jobs, [&](const DocumentResult& result) {
-        ++done;
+    std::atomic<bool> isOutputGone = false;
+    const auto receive = [&](const DocumentResult& result) {
+        done += result.mIsStopped ? 0U : 1U;
         outcome = worst(outcome, result.mOutcome);
         counts.add(result);
         console.out().write(result.mText);
+        isOutputGone = mOptions.isToStandardOutput() && console.out().getError() != 0;
         if (MigrationReportText::hasFindings(result)) {
             progress.clear();
         }
@@ -260,7 +269,9 @@ ExitCode MigrateCommand::run(Surroundings& surroundings) {
             reportFile->add(result);
         }
         progress.advance();
-    });
+    };
+    migrateAll(inputs.getInputs(), mOptions, jobs, receive,
+               [&] { return isOutputGone || StopSignal::getPending() != 0; });
 
     progress.clear();
     const int signal = StopSignal::getPending();
@@ -276,7 +287,7 @@ ExitCode MigrateCommand::run(Surroundings& surroundings) {
     reportText.finish(counts, mOptions.mOutput);
     if (signal != 0) {
         console.tell("interrupted after " + std::to_string(done) + " of " + std::to_string(total) +
-                     " documents; every drawing that was begun is whole. --skip-existing goes on from here");
+                     " documents; what was written is whole. --skip-existing goes on from here");
     }
     return outcome;
 }

@@ -25,7 +25,8 @@ public:
 private:
     void checkOptions();
     void refuseSharedPlaces(const InputSet& inputs) const;
-    void openLogFile(DocumentLog& log) const;
+    /// False when there is a log file that cannot be opened.
+    bool openLogFile(DocumentLog& log) const;
 
     std::vector<std::string> mInputs;
     MigrationOptions mOptions;

@@ -16,6 +16,10 @@ struct MigrationOptions {
     enum class Existing { Fail, Skip, Replace };
 
     bool isToStandardOutput() const { return mOutput == "-"; }
+    /// Where the results of a document go, without a suffix.
+    std::string getPlace(const std::string& documentName) const {
+        return (mOutput.ends_with('/') ? mOutput : mOutput + '/') + documentName;
+    }
 
     std::string mOutput = "migrated";           ///< folder, or "-" for standard output
     std::optional<std::string> mRasterFolder;   ///< nothing: the document's folder and its folder "images"

@@ -9,7 +9,7 @@ namespace ktannot {
 
 namespace {
 
-constexpr std::array<const char*, 4> sStateNames{"written", "skipped", "refused", "failed"};
+constexpr std::array<const char*, 5> sStateNames{"written", "skipped", "refused", "failed", "stopped"};
 
 void writeTexts(JsonWriter& json, const char* key, const std::vector<std::string>& texts) {
     if (texts.empty()) {

@@ -25,6 +25,8 @@ void MigrationReportText::add(const DocumentResult& result) {
     const std::string source = makeTerminalText(document.getSource());
     if (!result.getReason().empty()) {
         mConsole.tell(source + ": " + makeTerminalText(result.getReason()));
+    } else if (!document.getLimit().empty()) {
+        mConsole.tell(source + ": a limit was reached: " + makeTerminalText(document.getLimit()));
     }
     for (const LegacyDocument::Problem& problem : document.getProblems()) {
         mConsole.tell(source + ": " + getObjectPlace(problem) + makeTerminalText(problem.mWhat));
@@ -32,14 +34,16 @@ void MigrationReportText::add(const DocumentResult& result) {
     for (const std::string& message : document.getMessages()) {
         mConsole.tell(source + ": " + makeTerminalText(message));
     }
-    for (const ViewResult& view : result.mViews) {
-        addView(result, view);
+    for (std::size_t index = 0; index < result.mViews.size(); ++index) {
+        addView(result, index);
     }
 }
 
-void MigrationReportText::addView(const DocumentResult& result, const ViewResult& view) {
+void MigrationReportText::addView(const DocumentResult& result, std::size_t index) {
+    const ViewResult& view = result.mViews[index];
     const std::string place =
-        makeTerminalText(result.mDocument.getSource()) + ": view '" + makeTerminalText(view.mName) + "': ";
+        makeTerminalText(result.mDocument.getSource()) + ": view " +
+        (view.mName.empty() ? std::to_string(index + 1) : "'" + makeTerminalText(view.mName) + "'") + ": ";
     for (const std::string& warning : view.mWarnings) {
         mConsole.tell(place + makeTerminalText(warning));
     }
@@ -50,6 +54,7 @@ void MigrationReportText::addView(const DocumentResult& result, const ViewResult
             }
             break;
         case ViewResult::State::Skipped:
+        case ViewResult::State::Stopped:
             break;
         case ViewResult::State::Refused: {
             std::string line = place + makeTerminalText(view.mReason);
@@ -77,17 +82,17 @@ void MigrationReportText::finish(const MigrationCounts& counts, const std::strin
     }
     std::string summary = countOf(counts.mWritten, "view") + " of " + countOf(counts.mDocuments, "document") +
                           " migrated to " + makeTerminalText(output);
-    const auto append = [&summary](std::size_t number, const char* what) {
+    const auto append = [&summary](std::size_t number, const std::string& what) {
         if (number > 0) {
-            summary += "; " + std::to_string(number) + " " + what;
+            summary += "; " + what;
         }
     };
-    append(counts.mSkippedViews, "there already");
-    append(counts.mRefusedViews, "refused");
-    append(counts.mFailedViews, "not written");
-    append(counts.mFailedDocuments, "documents failed");
-    append(counts.mSkippedFiles, "other files skipped");
-    append(counts.mProblems, "problems told");
+    append(counts.mSkippedViews, std::to_string(counts.mSkippedViews) + " there already");
+    append(counts.mRefusedViews, std::to_string(counts.mRefusedViews) + " refused");
+    append(counts.mFailedViews, std::to_string(counts.mFailedViews) + " not written");
+    append(counts.mFailedDocuments, countOf(counts.mFailedDocuments, "document") + " failed");
+    append(counts.mSkippedFiles, countOf(counts.mSkippedFiles, "other file") + " skipped");
+    append(counts.mProblems, countOf(counts.mProblems, "problem") + " told");
     mConsole.out().write(summary + "\n");
 }
 

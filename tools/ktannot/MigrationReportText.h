@@ -28,7 +28,7 @@ public:
     void finish(const MigrationCounts& counts, const std::string& output);
 
 private:
-    void addView(const DocumentResult& result, const ViewResult& view);
+    void addView(const DocumentResult& result, std::size_t index);
 
     Console& mConsole;
     std::vector<std::string> mRefusedViews;

@@ -82,7 +82,7 @@ std::string PictureFolder::readPicture(const std::string& rasterName) const {
         return {};
     }
     for (const std::string& path : mFolders) {
-        const FileDescriptor folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        const FileDescriptor folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
         if (!folder.isOpen()) {
             continue;
         }

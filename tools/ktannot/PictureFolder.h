@@ -18,7 +18,8 @@ public:
     /// Larger files are not read: no drawing could embed them.
     static constexpr std::size_t sMaxPictureSize = 64U * 1024 * 1024;
 
-    /// @param folders  searched in this order; folders that do not exist are passed over.
+    /// @param folders  searched in this order; folders that do not exist and links to folders are passed over (with
+    ///                 "/." behind it, a link is followed).
     explicit PictureFolder(std::vector<std::string> folders) : mFolders(std::move(folders)) {}
 
     /// The picture as a data URI, null when there is none. Valid as long as the object.
