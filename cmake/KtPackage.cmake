@@ -15,18 +15,17 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ktannot)
-set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "Migrates legacy 3D annotations to SVG drawings
- The tool ktannot reads legacy annotation documents, binary streams and variant
- documents alike, and writes one drawing per view. With it come the shared
- libraries that do the work.")
+set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "The tool ktannot reads legacy annotation documents, binary streams and
+variant documents alike, and writes one drawing per view. With it come the
+shared libraries that do the work.")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "fonts-liberation, fonts-noto-core")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SUGGESTS "fonts-noto-cjk")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libktannotationlegacy-dev)
-set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Headers and CMake package of libktAnnotationLegacy
- To build programs that read legacy 3D annotations and migrate them to the
- current annotation model.")
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Headers, CMake and pkg-config packages of libktAnnotationLegacy, to build
+programs that read legacy 3D annotations and migrate them to the current
+annotation model.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS OFF)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "ktannot (= ${PROJECT_VERSION})")
