@@ -201,7 +201,7 @@ void TextLayout::placeRuns(LaidOutLine& line) {
         LaidOutRun& run = mRuns[index];
         run.mX = line.mWidth;
         line.mWidth += run.getAdvance();
-        const double size = run.mSize;
+        const auto size = static_cast<double>(run.mSize);
         line.mAscent = std::max(line.mAscent, run.mShift + run.mExtent.mSubstituteTop * size);
         line.mDescent = std::max(line.mDescent, -run.mShift - run.mExtent.mSubstituteBottom * size);
     }
