@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// A folder for the files of one test.
+
 #include <unistd.h>
 
 #include <cstdlib>

@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// Runs the tool as a process.
+
 #include <string>
 #include <utility>
 #include <vector>
