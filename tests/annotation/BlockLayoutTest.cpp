@@ -1,23 +1,19 @@
 #include "tests/annotation/LaidOutText.h"
-#include "tests/annotation/ReferenceShaping.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <hb-ot.h>
 
 #include <cmath>
 #include <limits>
-#include <ostream>
+#include <optional>
 
 namespace kt {
 namespace {
 
 using test::LaidOutText;
-using test::makeArea;
 using test::makeProperties;
 using test::makeSegment;
 using test::ReferenceFont;
-using testing::FloatNear;
 using text::TextArea;
 using text::TextProperties;
 using text::TextSegment;
@@ -50,13 +46,13 @@ protected:
 TEST_P(BlockLayoutTest, StacksLinesDownwardsByTheFontsMetrics) {
     const double size = 4.0;
     const LaidOutText block(
-        makeArea(makeProperties(GetParam(), 4.0F), {{makeSegment("long first line")}, {}, {makeSegment("third")}}));
+        TextArea{makeProperties(GetParam(), 4.0F), {{makeSegment("long first line")}, {}, {makeSegment("third")}}});
     ASSERT_EQ(block.mTexts.size(), 2U);
     const double step = (mMetrics.mAscent + mMetrics.mDescent + mMetrics.mGap) * size;
     EXPECT_NEAR(block.mTexts[0]->getPosition().y - block.mTexts[1]->getPosition().y, 2 * step, sTolerance);
     EXPECT_NEAR(block.mSize.y, 3 * step - mMetrics.mGap * size, sTolerance);
 
-    const svg::Rect& rectangle = *block.getRectangle();
+    const auto& rectangle = dynamic_cast<const svg::Rect&>(*block.mGroup.getChildren().front());
     EXPECT_FALSE(rectangle.isVisible());
     EXPECT_EQ(rectangle.getId(), "block");
     EXPECT_EQ(rectangle.getSize(), block.mSize);
@@ -68,15 +64,19 @@ TEST_P(BlockLayoutTest, StacksLinesDownwardsByTheFontsMetrics) {
 }
 
 TEST_P(BlockLayoutTest, ShiftsSubAndSuperscriptsAsTheFontSays) {
-    const LaidOutText block(
-        makeArea(makeProperties(GetParam(), 10.0F), {{makeSegment("base"), makeSegment("sub", TextSegment::Subscript),
-                                                      makeSegment("sup", TextSegment::Superscript)}}));
+    const LaidOutText block(TextArea{makeProperties(GetParam(), 10.0F),
+                                     {{makeSegment("base"), makeSegment("sub", TextSegment::Subscript),
+                                       makeSegment("sup", TextSegment::Superscript)}}});
     ASSERT_EQ(block.mTexts.size(), 3U);
     const float baseLine = block.mTexts[0]->getPosition().y;
-    EXPECT_NEAR(baseLine - block.mTexts[1]->getPosition().y,
-                10.0 * getEms(mFont, HB_OT_METRICS_TAG_SUBSCRIPT_EM_Y_OFFSET), sTolerance);
-    EXPECT_NEAR(block.mTexts[2]->getPosition().y - baseLine,
-                10.0 * getEms(mFont, HB_OT_METRICS_TAG_SUPERSCRIPT_EM_Y_OFFSET), sTolerance);
+    const double sub = getEms(mFont, HB_OT_METRICS_TAG_SUBSCRIPT_EM_Y_OFFSET);
+    const double super = getEms(mFont, HB_OT_METRICS_TAG_SUPERSCRIPT_EM_Y_OFFSET);
+    EXPECT_NEAR(baseLine - block.mTexts[1]->getPosition().y, 10.0 * sub, sTolerance);
+    EXPECT_NEAR(block.mTexts[2]->getPosition().y - baseLine, 10.0 * super, sTolerance);
+    // The line makes room for what is raised and lowered.
+    const double ascent = std::max(super + 0.63 * mMetrics.mAscent, mMetrics.mAscent);
+    const double descent = std::max(sub + 0.63 * mMetrics.mDescent, mMetrics.mDescent);
+    EXPECT_NEAR(block.mSize.y, 10.0 * (ascent + descent), sTolerance);
     EXPECT_FLOAT_EQ(block.mTexts[1]->getSize(), 6.3F);
     EXPECT_FLOAT_EQ(block.mTexts[2]->getSize(), 6.3F);
     const double unit = 6.3 / mFont.getUnitsPerEm();
@@ -85,111 +85,81 @@ TEST_P(BlockLayoutTest, ShiftsSubAndSuperscriptsAsTheFontSays) {
     EXPECT_FLOAT_EQ(block.mTexts[2]->getPosition().x, block.mTexts[1]->getPosition().x + block.mTexts[1]->getLength());
 }
 
-TEST_P(BlockLayoutTest, MakesRoomForRaisedText) {
-    const TextProperties properties = makeProperties(GetParam(), 10.0F);
-    const LaidOutText block(makeArea(properties, {{makeSegment("x"), makeSegment("y", TextSegment::Superscript)}}));
-    const double raised = getEms(mFont, HB_OT_METRICS_TAG_SUPERSCRIPT_EM_Y_OFFSET) + 0.63 * mMetrics.mAscent;
-    EXPECT_NEAR(block.mSize.y, 10.0 * (std::max(raised, mMetrics.mAscent) + mMetrics.mDescent), sTolerance);
-}
-
 INSTANTIATE_TEST_SUITE_P(Fonts, BlockLayoutTest, testing::Values("Liberation Sans", "Noto Sans", "DejaVu Sans"));
 
 TEST(BlockLayout, SharesOneBaseLineAmongSizesAndFonts) {
-    const TextProperties large = makeProperties("Liberation Serif", 12.0F, TextProperties::sBold);
-    const TextProperties small = makeProperties("DejaVu Sans", 3.0F, TextProperties::sItalic);
-    const LaidOutText block(makeArea(makeProperties("Liberation Sans", 5.0F),
+    TextProperties large = makeProperties("Liberation Serif", 12.0F, TextProperties::sBold);
+    large.mColor = {1, 171, 255};
+    const TextProperties small = makeProperties("No Such Family", 3.0F, TextProperties::sItalic);
+    const LaidOutText block(TextArea{makeProperties("Arial", 5.0F),
                                      {{makeSegment("a"), makeSegment("b", TextSegment::Normal, &large),
-                                       makeSegment("c", TextSegment::Normal, &small)}}));
-    ASSERT_EQ(block.mTexts.size(), 3U);
+                                       makeSegment("c", TextSegment::Normal, &small)},
+                                      {makeSegment("second line")}}});
+    ASSERT_EQ(block.mTexts.size(), 4U);
     EXPECT_EQ(block.mTexts[0]->getPosition().y, block.mTexts[1]->getPosition().y);
     EXPECT_EQ(block.mTexts[1]->getPosition().y, block.mTexts[2]->getPosition().y);
     const LineMetrics metrics(ReferenceFont("Liberation Serif:bold"));
-    EXPECT_NEAR(block.mSize.y, 12.0 * (metrics.mAscent + metrics.mDescent), sTolerance);
-}
+    EXPECT_NEAR(-block.mTexts[0]->getPosition().y, 12.0 * metrics.mAscent, sTolerance);
 
-TEST(BlockLayout, GivesItemsWhatTheDocumentAsksFor) {
-    TextProperties own = makeProperties("No Such Family", 2.0F, TextProperties::sBold | TextProperties::sItalic);
-    own.mColor = {1, 171, 255};
-    const LaidOutText block(makeArea(makeProperties("Arial", 3.0F),
-                                     {{makeSegment("plain"), makeSegment("own", TextSegment::Normal, &own)}}));
-    ASSERT_EQ(block.mTexts.size(), 2U);
-    EXPECT_EQ(block.mTexts[0]->getFont(), "Arial");
-    EXPECT_FALSE(block.mTexts[0]->isBold() || block.mTexts[0]->isItalic());
-    EXPECT_EQ(block.mTexts[0]->getColor(), std::nullopt);
-    EXPECT_EQ(block.mTexts[1]->getFont(), "No Such Family");
-    EXPECT_TRUE(block.mTexts[1]->isBold() && block.mTexts[1]->isItalic());
-    EXPECT_EQ(block.mTexts[1]->getColor(), "#01ABFF");
-}
-
-TEST(BlockLayout, MirrorsEveryItemAboutItsOwnBaseLine) {
-    const LaidOutText block(makeArea({}, {{makeSegment("first")}, {makeSegment("second")}}));
-    for (const auto& text : block.mTexts) {
-        const svg::Transform& transform = text->getTransform().value();
+    // Items have what the document asks for.
+    const struct {
+        const char* mFont;
+        bool mIsBold;
+        bool mIsItalic;
+        std::optional<std::string> mColor;
+    } rows[] = {{"Arial", false, false, std::nullopt},
+                {"Liberation Serif", true, false, "#01ABFF"},
+                {"No Such Family", false, true, "#000000"},
+                {"Arial", false, false, std::nullopt}};
+    for (std::size_t index = 0; index < std::size(rows); ++index) {
+        const svg::Text& text = *block.mTexts[index];
+        EXPECT_EQ(text.getFont(), rows[index].mFont);
+        EXPECT_EQ(text.isBold(), rows[index].mIsBold);
+        EXPECT_EQ(text.isItalic(), rows[index].mIsItalic);
+        EXPECT_EQ(text.getColor(), rows[index].mColor);
+        // Each is mirrored about its own base line.
+        const svg::Transform& transform = text.getTransform().value();
         EXPECT_EQ(transform.mMatrix, Wm4::Matrix2<float>(1.0F, 0.0F, 0.0F, -1.0F));
-        EXPECT_EQ(transform * text->getPosition(), text->getPosition());
+        EXPECT_EQ(transform * text.getPosition(), text.getPosition());
     }
 }
 
 TEST(BlockLayout, CoversAdvanceFontHeightAndInkByTheExtent) {
     // The italic's j begins left of its origin, its f ends right of its advance.
-    const LaidOutText block =
-        test::layOutString(makeProperties("Liberation Serif", 10.0F, TextProperties::sItalic), "jf");
+    const LaidOutText block(makeProperties("Liberation Serif", 10.0F, TextProperties::sItalic), "jf");
     const svg::BoundingBox& extent = block.mTexts.at(0)->getExtent();
     const LineMetrics metrics(ReferenceFont("Liberation Serif:italic"));
-    EXPECT_THAT(extent.getMinPoint().y, FloatNear(static_cast<float>(-10.0 * metrics.mAscent), sTolerance));
-    EXPECT_THAT(extent.getMaxPoint().y, FloatNear(static_cast<float>(10.0 * metrics.mDescent), sTolerance));
+    EXPECT_NEAR(extent.getMinPoint().y, -10.0 * metrics.mAscent, sTolerance);
+    EXPECT_NEAR(extent.getMaxPoint().y, 10.0 * metrics.mDescent, sTolerance);
     EXPECT_LT(extent.getMinPoint().x, 0.0F);
     EXPECT_GT(extent.getMaxPoint().x, block.mTexts[0]->getLength());
     EXPECT_EQ(block.mSize.x, block.mTexts[0]->getLength());
-}
-
-TEST(BlockLayout, KeepsBlanks) {
-    const ReferenceFont font("Liberation Sans");
-    const LaidOutText block(
-        makeArea(makeProperties("Liberation Sans", 10.0F), {{makeSegment(" "), makeSegment("a  b ")}}));
-    ASSERT_EQ(block.mTexts.size(), 2U);
-    EXPECT_EQ(block.mTexts[0]->getText(), " ");
-    EXPECT_EQ(block.mTexts[1]->getText(), "a  b ");
-    const auto units = static_cast<double>(shapeReference(font, " a  b ").mAdvance);
-    EXPECT_NEAR(block.mSize.x, 10.0 * units / font.getUnitsPerEm(), sTolerance);
 }
 
 TEST(BlockLayout, AddsBehindWhatTheGroupHolds) {
     svg::Node group;
     group.appendChild(std::make_shared<svg::Rect>());
     const text::TextSegmentToSvgConverter converter;
-    ASSERT_TRUE(converter.convertTextAreaToSvg(makeArea({}, {{makeSegment("a")}}), group, nullptr, nullptr));
+    ASSERT_TRUE(converter.convertTextAreaToSvg(test::makeLine({}, {"a"}), group, nullptr, nullptr));
     ASSERT_EQ(group.getChildren().size(), 2U);
     EXPECT_EQ(group.getChildren()[0]->getKind(), svg::ItemInterface::Kind::Rect);
     EXPECT_EQ(group.getChildren()[1]->getKind(), svg::ItemInterface::Kind::Text);
 }
 
-struct ExtentlessCase {
-    const char* mName;
-    TextArea mArea;
-};
-
-void PrintTo(const ExtentlessCase& testCase, std::ostream* stream) { *stream << testCase.mName; }
-
-class ExtentlessBlockTest : public testing::TestWithParam<ExtentlessCase> {};
-
-TEST_P(ExtentlessBlockTest, AddsNothing) {
-    const LaidOutText block(GetParam().mArea);
-    EXPECT_TRUE(block.mIsDone);
-    EXPECT_TRUE(block.mGroup.getChildren().empty());
-    EXPECT_EQ(block.mSize, Wm4::Vector2<float>(0.0F, 0.0F));
+TEST(BlockLayout, AddsNothingWithoutExtent) {
+    for (const TextArea& area :
+         {TextArea(), TextArea{{}, {{}}}, test::makeLine({}, {""}), test::makeLine({}, {"\u200D\u200D"})}) {
+        const LaidOutText block(area);
+        EXPECT_TRUE(block.mIsDone);
+        EXPECT_TRUE(block.mGroup.getChildren().empty());
+        EXPECT_EQ(block.mSize, Wm4::Vector2<float>(0.0F, 0.0F));
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Blocks, ExtentlessBlockTest,
-                         testing::Values(ExtentlessCase{"NoLines", {}}, ExtentlessCase{"EmptyLine", makeArea({}, {{}})},
-                                         ExtentlessCase{"EmptySegment", makeArea({}, {{makeSegment("")}})},
-                                         ExtentlessCase{"JoinersOnly", makeArea({}, {{makeSegment("\u200D\u200D")}})}),
-                         [](const auto& testCase) { return testCase.param.mName; });
 
 TEST(BlockLayout, KeepsTextOfNoUsableSize) {
     for (const float size :
          {0.0F, -3.0F, std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity()}) {
-        const LaidOutText block = test::layOutString(makeProperties("Arial", size), "kept");
+        const LaidOutText block(makeProperties("Arial", size), "kept");
         ASSERT_EQ(block.mTexts.size(), 1U) << size;
         EXPECT_EQ(block.mTexts[0]->getText(), "kept");
         EXPECT_GT(block.mSize.x, 0.0F);
@@ -198,13 +168,13 @@ TEST(BlockLayout, KeepsTextOfNoUsableSize) {
 }
 
 TEST(BlockLayout, HoldsOutAtTheLimits) {
-    const LaidOutText large = test::layOutString(makeProperties("Arial", 655.34F * 3.175F), "Large");
+    const LaidOutText large(makeProperties("Arial", 655.34F * 3.175F), "Large");
     EXPECT_TRUE(large.mIsDone);
     EXPECT_GT(large.mSize.x, 2000.0F);
-    const LaidOutText beyond = test::layOutString(makeProperties("Arial", std::numeric_limits<float>::max()), "Beyond");
+    const LaidOutText beyond(makeProperties("Arial", std::numeric_limits<float>::max()), "Beyond");
     EXPECT_FALSE(beyond.mIsDone);
     EXPECT_TRUE(beyond.mGroup.getChildren().empty());
-    const LaidOutText many(makeArea({}, {TextArea::Line(20'000, makeSegment("xי"))}));
+    const LaidOutText many(TextArea{{}, {TextArea::Line(20'000, makeSegment("xי"))}});
     EXPECT_TRUE(many.mIsDone);
     EXPECT_TRUE(std::isfinite(many.mSize.x));
 }

@@ -1,7 +1,5 @@
+#include "platform/annotation/ktAnnotationLibrary.h"
 #include "tests/annotation/LaidOutText.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <sstream>
 #include <thread>
@@ -18,14 +16,13 @@ using text::TextSegment;
 std::vector<text::TextArea> makeAreas() {
     std::vector<text::TextArea> areas;
     for (int number = 0; number < 200; ++number) {
-        const auto properties =
-            makeProperties(number % 2 == 0 ? "Arial" : "DejaVu Serif", 3.0F + 0.25F * static_cast<float>(number % 9),
-                           static_cast<std::uint8_t>(number % 4));
+        const float size = 3.0F + 0.25F * static_cast<float>(number % 9);
         const std::string digits = std::to_string(number * 37);
-        areas.push_back(test::makeArea(
-            properties, {{makeSegment("⌀" + digits), makeSegment("+0." + digits, TextSegment::Superscript)},
-                         {makeSegment("office " + digits + " קוטר")},
-                         {makeSegment("直径" + digits), makeSegment("ق" + digits)}}));
+        areas.push_back(
+            {makeProperties(number % 2 == 0 ? "Arial" : "DejaVu Serif", size, static_cast<std::uint8_t>(number % 4)),
+             {{makeSegment("⌀" + digits), makeSegment("+0." + digits, TextSegment::Superscript)},
+              {makeSegment("office " + digits + " קוטר")},
+              {makeSegment("直径" + digits), makeSegment("ق" + digits)}}});
     }
     return areas;
 }
@@ -35,16 +32,14 @@ std::string describe(const std::vector<text::TextArea>& areas) {
     std::ostringstream description;
     description << std::hexfloat;
     for (const text::TextArea& area : areas) {
-        const LaidOutText block(converter, area);
+        const LaidOutText block(area, converter);
         description << block.mSize.x << ' ' << block.mSize.y << '\n';
         for (const auto& text : block.mTexts) {
             description << text->getText() << ' ' << text->getPosition().x << ' ' << text->getPosition().y << ' '
                         << text->getLength() << ' ' << text->getExtent().getWidth() << '\n';
-            std::vector<svg::PlacedGlyph> glyphs;
-            text->getGlyphSource()->appendGlyphs(*text, glyphs);
-            for (const svg::PlacedGlyph& glyph : glyphs) {
-                description << glyph.mPosition.x << ' ' << glyph.mOutline->getPoints().size() << '\n';
-            }
+        }
+        for (const svg::PlacedGlyph& glyph : block.mGlyphs) {
+            description << glyph.mPosition.x << ' ' << glyph.mOutline->getPoints().size() << '\n';
         }
     }
     return description.str();
@@ -53,18 +48,31 @@ std::string describe(const std::vector<text::TextArea>& areas) {
 TEST(ParallelLayoutTest, GivesTheSameFromEveryThread) {
     const std::vector<text::TextArea> areas = makeAreas();
     std::vector<std::string> descriptions(4);
-    std::vector<std::thread> threads;
+    std::vector<std::jthread> threads;
     for (std::string& description : descriptions) {
         threads.emplace_back([&description, &areas] { description = describe(areas); });
     }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    threads.clear();
     const std::string expected = describe(areas);
     EXPECT_GT(expected.size(), 10'000U);
     for (const std::string& description : descriptions) {
         EXPECT_TRUE(description == expected);
     }
+}
+
+TEST(AnnotationLibraryTest, KeepsFontsThatConvertersHoldBeyondItsEnd) {
+    initializeKtAnnotationLibrary(true);
+    const text::TextSegmentToSvgConverter converter;
+    const text::TextArea area = test::makeLine({}, {"before and after"});
+    const LaidOutText before(area, converter);
+    terminateKtAnnotationLibrary();
+    const LaidOutText after(area, converter);
+    EXPECT_GT(before.mSize.x, 0.0F);
+    EXPECT_EQ(after.mSize, before.mSize);
+
+    std::vector<svg::PlacedGlyph> glyphs;
+    before.mTexts.at(0)->getGlyphSource()->appendGlyphs(*before.mTexts.at(0), glyphs);
+    EXPECT_EQ(glyphs.size(), 14U);
 }
 
 }  // namespace

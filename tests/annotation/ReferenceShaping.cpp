@@ -34,6 +34,11 @@ ReferenceFont::~ReferenceFont() { hb_font_destroy(mFont); }
 
 double ReferenceFont::getUnitsPerEm() const { return hb_face_get_upem(hb_font_get_face(mFont)); }
 
+bool ReferenceFont::isBlank(std::uint32_t glyph) const {
+    hb_glyph_extents_t extents{};
+    return !hb_font_get_glyph_extents(mFont, glyph, &extents) || extents.width == 0;
+}
+
 ReferenceRun shapeReference(const ReferenceFont& font, std::string_view text) {
     hb_buffer_t* buffer = hb_buffer_create();
     hb_buffer_add_utf8(buffer, text.data(), static_cast<int>(text.size()), 0, static_cast<int>(text.size()));

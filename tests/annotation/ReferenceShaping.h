@@ -27,6 +27,8 @@ public:
     unsigned getIndex() const { return mIndex; }
     hb_font_t* getFont() const { return mFont; }
     double getUnitsPerEm() const;
+    /// Whether the glyph has no outline.
+    bool isBlank(std::uint32_t glyph) const;
 
 private:
     std::string mPath;

@@ -8,8 +8,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <regex>
 #include <sstream>
+#include <utility>
 
 namespace kt::test {
 
@@ -27,47 +29,30 @@ const fs::path& getScratchFolder() {
     return folder;
 }
 
-std::string quote(const std::string& argument) {
-    std::string quoted = "'";
-    quoted.append(std::regex_replace(argument, std::regex("'"), "'\\''")).push_back('\'');
-    return quoted;
-}
+/// For the shell; folders of builds hold no quotes.
+std::string quote(const std::string& argument) { return "'" + argument + "'"; }
 
-struct CommandResult {
-    int mStatus = -1;
-    std::string mOutput;  ///< standard output and standard error
-};
-
-CommandResult runCommand(const std::string& command) {
-    CommandResult result;
-    std::FILE* pipe = popen(("{ " + command + "; } 2>&1").c_str(), "r");
-    if (pipe == nullptr) {
-        return result;
-    }
+/// What a command prints to standard output and standard error.
+std::string runCommand(const std::string& command) {
+    std::string output;
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(popen(("{ " + command + "; } 2>&1").c_str(), "r"),
+                                                               pclose);
     std::array<char, 4096> buffer{};
-    while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe)) {
-        result.mOutput.append(buffer.data(), count);
+    while (const std::size_t count = pipe ? std::fread(buffer.data(), 1, buffer.size(), pipe.get()) : 0) {
+        output.append(buffer.data(), count);
     }
-    result.mStatus = pclose(pipe);
-    return result;
+    return output;
 }
 
-struct PixelSize {
-    long mWidth = 100;
-    long mHeight = 100;
-};
-
-/// The root element's size.
-PixelSize getPixelSize(const std::string& svg) {
+/// The root element's width and height in pixels.
+std::pair<long, long> getPixelSize(const std::string& svg) {
     std::smatch match;
     if (!std::regex_search(svg, match, std::regex("width=\"([0-9.]+)mm\" height=\"([0-9.]+)mm\""))) {
-        return {};
+        return {100, 100};
     }
-    const auto toPixels = [](const std::string& text) {
-        constexpr double pixelsPerMillimetre = 96.0 / 25.4;
-        return std::lround(std::strtod(text.c_str(), nullptr) * pixelsPerMillimetre);
-    };
-    return {toPixels(match[1]), toPixels(match[2])};
+    constexpr double pixelsPerMillimetre = 96.0 / 25.4;
+    return {std::lround(std::stod(match[1]) * pixelsPerMillimetre),
+            std::lround(std::stod(match[2]) * pixelsPerMillimetre)};
 }
 
 std::string makeCommand(Renderer renderer, const std::string& svg, const fs::path& source, const fs::path& target) {
@@ -76,15 +61,15 @@ std::string makeCommand(Renderer renderer, const std::string& svg, const fs::pat
     }
     // Windows have a least size: the picture is cut out of a larger one.
     constexpr long windowMargin = 500;
-    const PixelSize size = getPixelSize(svg);
+    const auto [width, height] = getPixelSize(svg);
     std::ostringstream command;
     command << "chromium --headless --no-sandbox --disable-gpu --disable-quic --no-first-run "
                "--disable-background-networking --disable-component-update --disable-sync --hide-scrollbars "
                "--user-data-dir="
-            << quote(getScratchFolder() / "chromium") << " --window-size=" << size.mWidth + windowMargin << ","
-            << size.mHeight + windowMargin << " --screenshot=" << quote(target) << " "
-            << quote("file://" + fs::absolute(source).string()) << " && convert " << quote(target) << " -crop "
-            << size.mWidth << "x" << size.mHeight << "+0+0 +repage " << quote(target);
+            << quote(getScratchFolder() / "chromium") << " --window-size=" << width + windowMargin << ","
+            << height + windowMargin << " --screenshot=" << quote(target) << " "
+            << quote("file://" + fs::absolute(source).string()) << " && convert " << quote(target) << " -crop " << width
+            << "x" << height << "+0+0 +repage " << quote(target);
     return command.str();
 }
 
@@ -95,9 +80,9 @@ std::string renderDrawing(Renderer renderer, const std::string& svg, const std::
     const fs::path target = getScratchFolder() / (name + (renderer == Renderer::Rsvg ? ".rsvg.png" : ".chromium.png"));
     std::ofstream(source, std::ios::binary) << svg;
     fs::remove(target);
-    const CommandResult result = runCommand(makeCommand(renderer, svg, source, target));
+    const std::string output = runCommand(makeCommand(renderer, svg, source, target));
     if (!fs::exists(target)) {
-        ADD_FAILURE() << "no picture of " << source << ": " << result.mOutput;
+        ADD_FAILURE() << "no picture of " << source << ": " << output;
         return {};
     }
     return target;
@@ -105,20 +90,19 @@ std::string renderDrawing(Renderer renderer, const std::string& svg, const std::
 
 double comparePictures(const std::string& pathA, const std::string& pathB) {
     // Prints the difference as "<absolute> (<relative>)"; the status only says whether there is any.
-    const CommandResult result =
+    const std::string output =
         runCommand("compare -alpha off -metric RMSE " + quote(pathA) + " " + quote(pathB) + " null:");
     std::smatch match;
-    if (!std::regex_search(result.mOutput, match, std::regex("\\(([0-9.e+-]+)\\)"))) {
-        ADD_FAILURE() << "cannot compare " << pathA << " and " << pathB << ": " << result.mOutput;
+    if (!std::regex_search(output, match, std::regex("\\(([0-9.e+-]+)\\)"))) {
+        ADD_FAILURE() << "cannot compare " << pathA << " and " << pathB << ": " << output;
         return 1.0;
     }
-    return std::strtod(match[1].str().c_str(), nullptr);
+    return std::stod(match[1]);
 }
 
 testing::AssertionResult matchesReference(const std::string& svg, const std::string& name, double tolerance) {
     const fs::path reference = fs::path(KT_SOURCE_DIR) / "tests" / "data" / "svg" / (name + ".png");
-    const char* bless = std::getenv("KT_BLESS");
-    if (bless != nullptr && std::string(bless) == "1") {
+    if (const char* bless = std::getenv("KT_BLESS"); bless != nullptr && std::string(bless) == "1") {
         // Without the time of writing, so that the same picture is the same file.
         runCommand("convert " + quote(renderDrawing(Renderer::Rsvg, svg, name)) + " -strip -colors 64 " +
                    quote(reference));

@@ -1,12 +1,12 @@
 #include "platform/svg/ComputeEstimatedBoundingBox.h"
-#include "platform/svg/Image.h"
-#include "platform/svg/Node.h"
 #include "platform/svg/Path.h"
-#include "platform/svg/Rect.h"
 #include "platform/svg/Text.h"
+#include "tests/svg/MakeItems.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <numbers>
@@ -15,7 +15,7 @@
 namespace kt::svg {
 namespace {
 
-using Point2 = Wm4::Vector2<float>;
+using test::Point2;
 
 constexpr float sNan = std::numeric_limits<float>::quiet_NaN();
 constexpr float sInfinity = std::numeric_limits<float>::infinity();
@@ -26,20 +26,12 @@ void expectBox(const BoundingBox& box, const Point2& minimum, const Point2& maxi
 }
 
 TEST(BoundingBox, IsValidWithAFiniteWidthOrHeight) {
-    const struct {
-        BoundingBox mBox;
-        bool mIsValid;
-    } rows[] = {
-        {{}, false},
-        {{{1, 1}, {1, 1}}, false},
-        {{{1, 1}, {1, 2}}, true},
-        {{{2, 1}, {1, 1}}, true},
-        {{{0, 0}, {sInfinity, 1}}, false},
-        {{{0, 0}, {sNan, 1}}, false},
-        {{{-3e38F, 0}, {3e38F, 1}}, false},
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(row.mBox.isValid(), row.mIsValid);
+    for (const BoundingBox& box : {BoundingBox({1, 1}, {1, 2}), BoundingBox({2, 1}, {1, 1})}) {
+        EXPECT_TRUE(box.isValid());
+    }
+    for (const BoundingBox& box : {BoundingBox(), BoundingBox({1, 1}, {1, 1}), BoundingBox({0, 0}, {sInfinity, 1}),
+                                   BoundingBox({0, 0}, {sNan, 1}), BoundingBox({-3e38F, 0}, {3e38F, 1})}) {
+        EXPECT_FALSE(box.isValid());
     }
 }
 
@@ -60,30 +52,22 @@ TEST(BoundingBox, StaysEmptyWithoutPoints) {
 }
 
 TEST(EstimatedBoundingBox, CoversTreesWithAllTransforms) {
-    Node root;
-    root.setTransform({{0, -1, 1, 0}, {100, 0}});
-    auto inner = std::make_shared<Node>();
-    inner->setTransform(Transform::makeTranslation({0, 10}));
-    auto rect = std::make_shared<Rect>(Point2(1, 2), Point2(-4, 3));
+    const auto rect = test::makeRect({1, 2}, {-4, 3});
     rect->translate({1, 0});
     rect->setVisible(false);
-    inner->appendChild(rect);
-    inner->appendChild(std::make_shared<Node>());
-    root.appendChild(inner);
+    const auto inner = test::makeGroup(Transform::makeTranslation({0, 10}), {rect, std::make_shared<Node>()});
+    const auto tree = test::makeGroup({{0, -1, 1, 0}, {100, 0}}, {inner});
     // (-2..2, 2..5) moved to (-2..2, 12..15), turned to (-15..-12, -2..2), moved.
-    expectBox(ComputeEstimatedBoundingBox(root), {85, -2}, {88, 2});
+    expectBox(ComputeEstimatedBoundingBox(*tree), {85, -2}, {88, 2});
 
     const Transform matrix{{2, 0, 0, -1}, {0, 0}};
-    expectBox(ComputeEstimatedBoundingBox(root, nullptr, &matrix), {170, -2}, {176, 2});
+    expectBox(ComputeEstimatedBoundingBox(*tree, nullptr, &matrix), {170, -2}, {176, 2});
     const ItemFilter noRects = [](const ItemInterface& item) { return item.getKind() != ItemInterface::Kind::Rect; };
-    EXPECT_TRUE(ComputeEstimatedBoundingBox(root, noRects).isEmpty());
+    EXPECT_TRUE(ComputeEstimatedBoundingBox(*tree, noRects).isEmpty());
 }
 
 TEST(EstimatedBoundingBox, CoversEveryKindOfItem) {
-    Image image;
-    image.setPosition({1, 1});
-    image.setSize({2, 3});
-    expectBox(ComputeEstimatedBoundingBox(image), {1, 1}, {3, 4});
+    expectBox(ComputeEstimatedBoundingBox(*test::makeImage("", {1, 1}, {2, 3})), {1, 1}, {3, 4});
     Text text;
     text.setPosition({10, 10});
     EXPECT_TRUE(ComputeEstimatedBoundingBox(text).isEmpty());
@@ -114,132 +98,104 @@ TEST(EstimatedBoundingBox, LeavesOutWhatIsNoNumberAndKeepsTheInfinite) {
 }
 
 TEST(EstimatedBoundingBox, NeedsLittleStackForDeepTrees) {
-    auto root = std::make_shared<Node>();
-    root->appendChild(std::make_shared<Rect>(Point2(0, 0), Point2(1, 1)));
+    auto root = test::makeGroup({}, {test::makeRect({0, 0}, {1, 1})});
     for (int depth = 0; depth < 300'000; ++depth) {
-        auto parent = std::make_shared<Node>();
-        parent->appendChild(std::move(root));
-        root = std::move(parent);
+        root = test::makeGroup({}, {std::move(root)});
     }
     expectBox(ComputeEstimatedBoundingBox(*root), {0, 0}, {1, 1});
 }
 
-/// The extent of densely sampled points, in double precision.
-struct Sampling {
-    void add(const Transform& map, double x, double y) {
-        const auto entry = [&](int row, int column) { return static_cast<double>(map.mMatrix(row, column)); };
-        const double mappedX = entry(0, 0) * x + entry(0, 1) * y + static_cast<double>(map.mTranslation.x);
-        const double mappedY = entry(1, 0) * x + entry(1, 1) * y + static_cast<double>(map.mTranslation.y);
-        mMinX = std::min(mMinX, mappedX);
-        mMinY = std::min(mMinY, mappedY);
-        mMaxX = std::max(mMaxX, mappedX);
-        mMaxY = std::max(mMaxY, mappedY);
-    }
+using Point2d = std::array<double, 2>;
 
-    /// The box must hold all samples and reach beyond them by rounding and by what lies between two samples only.
-    void expectTight(const BoundingBox& box) const {
-        const double size = std::max(
-            {mMaxX - mMinX, mMaxY - mMinY, std::abs(mMinX), std::abs(mMaxX), std::abs(mMinY), std::abs(mMaxY)});
-        const double rounding = 1e-7 * size;
-        const double step = 2e-5 * size;
-        const auto expectBeyond = [&](double sample, double bound) {
-            EXPECT_GE(bound, sample - rounding);
-            EXPECT_LE(bound, sample + step);
-        };
-        expectBeyond(-mMinX, -static_cast<double>(box.getMinPoint().x));
-        expectBeyond(-mMinY, -static_cast<double>(box.getMinPoint().y));
-        expectBeyond(mMaxX, static_cast<double>(box.getMaxPoint().x));
-        expectBeyond(mMaxY, static_cast<double>(box.getMaxPoint().y));
-    }
-
-    double mMinX = std::numeric_limits<double>::max();
-    double mMinY = std::numeric_limits<double>::max();
-    double mMaxX = std::numeric_limits<double>::lowest();
-    double mMaxY = std::numeric_limits<double>::lowest();
+/// A share of the path's extent and a length.
+struct Tolerance {
+    double mShare;
+    double mLength;
 };
 
-class Random {
-public:
-    float number(float low, float high) { return std::uniform_real_distribution<float>(low, high)(mEngine); }
+/// The box of a path under a map must hold densely sampled points of it but for that rounding, and reach beyond them by
+/// that step at most.
+template <typename Curve>
+void expectTight(Path& path, const Transform& map, const Curve& getPoint, const Tolerance& rounding,
+                 const Tolerance& step) {
+    path.setTransform(map);
+    const BoundingBox box = ComputeEstimatedBoundingBox(path);
+    for (int row = 0; row < 2; ++row) {
+        double low = std::numeric_limits<double>::max();
+        double high = std::numeric_limits<double>::lowest();
+        for (int sample = 0; sample <= 4000; ++sample) {
+            const Point2d point = getPoint(sample / 4000.0);
+            const double mapped = static_cast<double>(map.mMatrix(row, 0)) * point[0] +
+                                  static_cast<double>(map.mMatrix(row, 1)) * point[1] +
+                                  static_cast<double>(map.mTranslation[row]);
+            low = std::min(low, mapped);
+            high = std::max(high, mapped);
+        }
+        const double size = std::max({high - low, std::abs(low), std::abs(high)});
+        const auto minimum = static_cast<double>(box.getMinPoint()[row]);
+        const auto maximum = static_cast<double>(box.getMaxPoint()[row]);
+        const double within = rounding.mShare * size + rounding.mLength;
+        const double beyond = step.mShare * size + step.mLength;
+        EXPECT_LE(minimum, low + within);
+        EXPECT_GE(minimum, low - beyond);
+        EXPECT_GE(maximum, high - within);
+        EXPECT_LE(maximum, high + beyond);
+    }
+}
+
+class CurveBoxTest : public testing::Test {
+protected:
+    float number(float low, float high) { return std::uniform_real_distribution<float>(low, high)(mRandom); }
     Point2 point(float size) { return {number(-size, size), number(-size, size)}; }
     Transform transform() { return {{number(-2, 2), number(-2, 2), number(-2, 2), number(-2, 2)}, point(20)}; }
 
-private:
-    std::mt19937 mEngine{3};
+    std::mt19937 mRandom{3};
+    static constexpr int sRounds = 300;
 };
 
-TEST(EstimatedBoundingBox, HoldsSampledCubicsTightly) {
-    Random random;
-    for (int round = 0; round < 300; ++round) {
-        const Point2 p[] = {random.point(10), random.point(30), random.point(30), random.point(10)};
-        const Transform map = random.transform();
+TEST_F(CurveBoxTest, HoldsSampledCubicsTightly) {
+    for (int round = 0; round < sRounds && !HasFailure(); ++round) {
+        const Point2 p[] = {point(10), point(30), point(30), point(10)};
         Path path;
         path.moveTo(p[0]);
         path.cubicTo(p[1], p[2], p[3]);
-        path.setTransform(map);
-        Sampling sampling;
-        for (int step = 0; step <= 4000; ++step) {
-            const double t = step / 4000.0;
+        const auto getPoint = [&p](double t) {
             const double s = 1.0 - t;
             const auto blend = [&](int i) {
                 return s * s * s * static_cast<double>(p[0][i]) + 3 * s * s * t * static_cast<double>(p[1][i]) +
                        3 * s * t * t * static_cast<double>(p[2][i]) + t * t * t * static_cast<double>(p[3][i]);
             };
-            sampling.add(map, blend(0), blend(1));
-        }
-        sampling.expectTight(ComputeEstimatedBoundingBox(path));
-        ASSERT_FALSE(HasFailure()) << "round " << round;
+            return Point2d{blend(0), blend(1)};
+        };
+        expectTight(path, transform(), getPoint, {1e-7, 0.0}, {2e-5, 0.0});
     }
 }
 
-TEST(EstimatedBoundingBox, HoldsSampledArcsTightly) {
-    Random random;
-    for (int round = 0; round < 300; ++round) {
-        const Point2 center = random.point(10);
-        const Point2 radii(random.number(0.5F, 10), random.number(0.5F, 10));
-        const float degrees = random.number(-200, 200);
-        const double start = static_cast<double>(random.number(-7, 7));
-        const double span = static_cast<double>(random.number(-6, 6));
+TEST_F(CurveBoxTest, HoldsSampledArcsTightly) {
+    for (int round = 0; round < sRounds && !HasFailure(); ++round) {
+        const Point2 center = point(10);
+        const Point2 radii(number(0.5F, 10), number(0.5F, 10));
+        const float degrees = number(-200, 200);
+        const auto start = static_cast<double>(number(-7, 7));
+        const auto span = static_cast<double>(number(-6, 6));
         if (std::abs(std::abs(span) - std::numbers::pi) < 0.02) {
             continue;  // half turns hang on the rounding of their ends; they have tests of their own
         }
         const double turn = static_cast<double>(degrees) * std::numbers::pi / 180.0;
-        const auto at = [&](double angle, double& x, double& y) {
-            const double u = static_cast<double>(radii.x) * std::cos(angle);
-            const double v = static_cast<double>(radii.y) * std::sin(angle);
-            x = static_cast<double>(center.x) + std::cos(turn) * u - std::sin(turn) * v;
-            y = static_cast<double>(center.y) + std::sin(turn) * u + std::cos(turn) * v;
+        const auto getPoint = [&](double t) {
+            const double u = static_cast<double>(radii.x) * std::cos(start + span * t);
+            const double v = static_cast<double>(radii.y) * std::sin(start + span * t);
+            return Point2d{static_cast<double>(center.x) + std::cos(turn) * u - std::sin(turn) * v,
+                           static_cast<double>(center.y) + std::sin(turn) * u + std::cos(turn) * v};
         };
-        const auto pointAt = [&](double angle) {
-            double x = 0.0;
-            double y = 0.0;
-            at(angle, x, y);
-            return Point2(static_cast<float>(x), static_cast<float>(y));
+        const auto toFloat = [](const Point2d& p) {
+            return Point2(static_cast<float>(p[0]), static_cast<float>(p[1]));
         };
-        const Transform map = random.transform();
         Path path;
-        path.moveTo(pointAt(start));
-        path.arcTo(radii, degrees, std::abs(span) > std::numbers::pi, span > 0.0, pointAt(start + span));
-        path.setTransform(map);
-        Sampling sampling;
-        for (int step = 0; step <= 4000; ++step) {
-            double x = 0.0;
-            double y = 0.0;
-            at(start + span * step / 4000.0, x, y);
-            sampling.add(map, x, y);
-        }
-        const BoundingBox box = ComputeEstimatedBoundingBox(path);
+        path.moveTo(toFloat(getPoint(0.0)));
+        path.arcTo(radii, degrees, std::abs(span) > std::numbers::pi, span > 0.0, toFloat(getPoint(1.0)));
         // The end points of the command are rounded to float, which moves the centre of short arcs.
-        const float slack = 1e-4F;
-        BoundingBox wide = box;
-        wide.addMargin({slack, slack});
-        EXPECT_LE(static_cast<double>(wide.getMinPoint().x), sampling.mMinX);
-        EXPECT_LE(static_cast<double>(wide.getMinPoint().y), sampling.mMinY);
-        EXPECT_GE(static_cast<double>(wide.getMaxPoint().x), sampling.mMaxX);
-        EXPECT_GE(static_cast<double>(wide.getMaxPoint().y), sampling.mMaxY);
-        EXPECT_NEAR(static_cast<double>(box.getWidth()), sampling.mMaxX - sampling.mMinX, 5e-4);
-        EXPECT_NEAR(static_cast<double>(box.getHeight()), sampling.mMaxY - sampling.mMinY, 5e-4);
-        ASSERT_FALSE(HasFailure()) << "round " << round << " span " << span;
+        expectTight(path, transform(), getPoint, {0.0, 1e-4}, {0.0, 2.5e-4});
     }
 }
 

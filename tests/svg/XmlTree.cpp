@@ -58,4 +58,19 @@ std::vector<XmlElement> findElements(const std::vector<XmlElement>& elements, st
     return found;
 }
 
+std::string describeElements(const std::vector<XmlElement>& elements) {
+    std::string description;
+    for (const XmlElement& element : elements) {
+        if (element.mDepth > 1 && element.mName != "style") {
+            description.append(static_cast<std::size_t>(element.mDepth - 2), '.').append(element.mName);
+            for (const auto& [name, value] : element.mAttributes) {
+                description.append(" ").append(name).append("=").append(value);
+            }
+            const bool hasText = !element.mText.empty() && element.mText.front() != '\n';
+            description.append(hasText ? " | " + element.mText : "").append("\n");
+        }
+    }
+    return description;
+}
+
 }  // namespace kt::test

@@ -30,4 +30,8 @@ std::optional<std::vector<XmlElement>> parseXml(std::string_view text);
 /// The elements of this name.
 std::vector<XmlElement> findElements(const std::vector<XmlElement>& elements, std::string_view name);
 
+/// The elements below the root, but for styles, a line each: as many dots as elements around it, name, attributes in
+/// the order of their names, text (but for the line breaks between elements).
+std::string describeElements(const std::vector<XmlElement>& elements);
+
 }  // namespace kt::test

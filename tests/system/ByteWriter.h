@@ -10,7 +10,6 @@
 #include <string>
 #include <string_view>
 
-/// Little-endian bytes, put together by hand.
 class ByteWriter {
 public:
     template <typename Unsigned>

@@ -11,28 +11,23 @@
 
 namespace {
 
-std::string textOf(const kt::ktMappedFile& file) {
-    return {reinterpret_cast<const char*>(file.getBytes().data()), file.getBytes().size()};
-}
-
-bool hasPadding(const kt::ktMappedFile& file) {
-    const std::byte* end = file.getBytes().data() + file.getBytes().size();
-    return std::all_of(end, end + kt::ktMappedFile::sPadding, [](std::byte byte) { return byte == std::byte{0}; });
+void expectContent(const kt::ktMappedFile& file, const std::string& content) {
+    const auto* bytes = reinterpret_cast<const char*>(file.getBytes().data());
+    EXPECT_TRUE(std::string(bytes, file.getBytes().size()) == content) << content.size();
+    const char* end = bytes + file.getBytes().size();
+    EXPECT_EQ(std::count(end, end + kt::ktMappedFile::sPadding, '\0'), kt::ktMappedFile::sPadding) << content.size();
 }
 
 TEST(MappedFile, GivesFilesOfEverySizeWithZerosBehind) {
     const std::string path = testing::TempDir() + "mapped" + std::to_string(::getpid());
-    for (const std::size_t size : {std::size_t{0}, std::size_t{1}, std::size_t{4032}, std::size_t{4033},
-                                   std::size_t{4096}, std::size_t{100'000}}) {
-        const std::string content(size, 'x');
+    for (const int size : {0, 1, 4032, 4033, 4096, 100'000}) {
+        const std::string content(static_cast<std::size_t>(size), 'x');
         std::ofstream(path, std::ios::binary) << content;
         kt::ktMappedFile file;
         std::string error;
         ASSERT_TRUE(file.open(path, error)) << error;
-        EXPECT_EQ(textOf(file), content);
-        EXPECT_TRUE(hasPadding(file)) << size;
-        const kt::ktMappedFile moved(std::move(file));
-        EXPECT_EQ(moved.getBytes().size(), size);
+        expectContent(file, content);
+        expectContent(kt::ktMappedFile(std::move(file)), content);
     }
     std::filesystem::remove(path);
 }
@@ -41,7 +36,7 @@ TEST(MappedFile, ReadsPipesToTheirEnd) {
     int ends[2];
     ASSERT_EQ(::pipe(ends), 0);
     const std::string content(300'000, 'p');
-    std::thread writer([&content, end = ends[1]] {
+    std::jthread writer([&content, end = ends[1]] {
         for (std::size_t done = 0; done < content.size();) {
             done += static_cast<std::size_t>(
                 std::max<ssize_t>(::write(end, content.data() + done, content.size() - done), 0));
@@ -53,8 +48,7 @@ TEST(MappedFile, ReadsPipesToTheirEnd) {
     EXPECT_TRUE(file.open(ends[0], error)) << error;
     writer.join();
     ::close(ends[0]);
-    EXPECT_EQ(textOf(file), content);
-    EXPECT_TRUE(hasPadding(file));
+    expectContent(file, content);
 }
 
 TEST(MappedFile, TellsWhyNot) {

@@ -8,6 +8,7 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -31,66 +32,52 @@ struct ConversionCase {
 };
 
 TEST(Variant, EveryKindConvertsToSomething) {
-    const ConversionCase cases[] = {
+    std::vector<ConversionCase> rows{
         {ktVariant(), Kind::Undefined, "", false, 0, 0},
-        {ktVariant(true), Kind::Boolean, "true", true, 1, 1},
-        {ktVariant(false), Kind::Boolean, "false", false, 0, 0},
-        {ktVariant(-7), Kind::Integer, "-7", true, -7, -7},
-        {ktVariant(sMax), Kind::Integer, "9223372036854775807", true, 9223372036854775807.0, sMax},
-        {ktVariant(0), Kind::Integer, "0", false, 0, 0},
-        {ktVariant(6.0), Kind::Real, "6", true, 6, 6},
-        {ktVariant(-2.75), Kind::Real, "-2.75", true, -2.75, -2},
-        {ktVariant(1e22), Kind::Real, "1e+22", true, 1e22, sMax},
-        {ktVariant(-1e300), Kind::Real, "-1e+300", true, -1e300, sMin},
-        {ktVariant(-0.0), Kind::Real, "-0", false, 0, 0},
-        {ktVariant(0.1F), Kind::Real, "0.10000000149011612", true, static_cast<double>(0.1F), 0},
-        {ktVariant(sInfinity), Kind::Real, "inf", true, sInfinity, sMax},
-        {ktVariant(""), Kind::String, "", false, 0, 0},
-        {ktVariant("true"), Kind::String, "true", true, 0, 0},
-        {ktVariant("1"), Kind::String, "1", true, 1, 1},
-        {ktVariant("TRUE"), Kind::String, "TRUE", false, 0, 0},
-        {ktVariant("2"), Kind::String, "2", false, 2, 2},
-        {ktVariant("-1.5e2"), Kind::String, "-1.5e2", false, -150, -150},
-        {ktVariant("1,5"), Kind::String, "1,5", false, 0, 0},
-        {ktVariant(" 1"), Kind::String, " 1", false, 0, 0},
-        {ktVariant("1 "), Kind::String, "1 ", false, 0, 0},
-        {ktVariant("+1"), Kind::String, "+1", false, 0, 0},
-        {ktVariant(".5"), Kind::String, ".5", false, 0, 0},
-        {ktVariant("01"), Kind::String, "01", false, 0, 0},
-        {ktVariant("1."), Kind::String, "1.", false, 0, 0},
-        {ktVariant("1e"), Kind::String, "1e", false, 0, 0},
-        {ktVariant("0x10"), Kind::String, "0x10", false, 0, 0},
-        {ktVariant("nan"), Kind::String, "nan", false, 0, 0},
-        {ktVariant("123456789012345678901234567890"), Kind::String, "123456789012345678901234567890", false,
-         123456789012345678901234567890.0, sMax},
-        {ktVariant("1e999"), Kind::String, "1e999", false, sInfinity, sMax},
-        {ktVariant("-1e-999"), Kind::String, "-1e-999", false, 0, 0},
-        {ktVariant(static_cast<const char*>(nullptr)), Kind::String, "", false, 0, 0},
-        {ktVariant(Map{{"a", 1}}), Kind::Map, "", false, 0, 0},
-        {ktVariant(List{1, 2}), Kind::List, "", false, 0, 0},
+        {true, Kind::Boolean, "true", true, 1, 1},
+        {false, Kind::Boolean, "false", false, 0, 0},
+        {-7, Kind::Integer, "-7", true, -7, -7},
+        {sMax, Kind::Integer, "9223372036854775807", true, 9223372036854775807.0, sMax},
+        {0, Kind::Integer, "0", false, 0, 0},
+        {6.0, Kind::Real, "6", true, 6, 6},
+        {-2.75, Kind::Real, "-2.75", true, -2.75, -2},
+        {1e22, Kind::Real, "1e+22", true, 1e22, sMax},
+        {-1e300, Kind::Real, "-1e+300", true, -1e300, sMin},
+        {-0.0, Kind::Real, "-0", false, 0, 0},
+        {0.1F, Kind::Real, "0.10000000149011612", true, static_cast<double>(0.1F), 0},
+        {sInfinity, Kind::Real, "inf", true, sInfinity, sMax},
+        {static_cast<const char*>(nullptr), Kind::String, "", false, 0, 0},
+        {Map{{"a", 1}}, Kind::Map, "", false, 0, 0},
+        {List{1, 2}, Kind::List, "", false, 0, 0},
     };
-    for (const ConversionCase& conversion : cases) {
-        SCOPED_TRACE(conversion.mText);
-        EXPECT_EQ(conversion.mValue.getKind(), conversion.mKind);
-        EXPECT_EQ(conversion.mValue.toString(), conversion.mText);
-        EXPECT_EQ(conversion.mValue.toBool(), conversion.mBool);
-        EXPECT_EQ(conversion.mValue.toReal(), conversion.mReal);
-        EXPECT_EQ(conversion.mValue.toInteger(), conversion.mInteger);
-        EXPECT_EQ(conversion.mValue.toMap().size(), conversion.mKind == Kind::Map ? 1U : 0U);
-        EXPECT_EQ(conversion.mValue.toList().size(), conversion.mKind == Kind::List ? 2U : 0U);
+    const std::tuple<const char*, bool, double, std::int64_t> texts[] = {
+        {"true", true, 0, 0},
+        {"1", true, 1, 1},
+        {"2", false, 2, 2},
+        {"-1.5e2", false, -150, -150},
+        {"123456789012345678901234567890", false, 123456789012345678901234567890.0, sMax},
+        {"1e999", false, sInfinity, sMax},
+        {"-1e-999", false, 0, 0}};
+    for (const auto& [text, truth, real, integer] : texts) {
+        rows.push_back({text, Kind::String, text, truth, real, integer});
+    }
+    for (const char* text : {"", "TRUE", "1,5", " 1", "1 ", "+1", ".5", "01", "1.", "1e", "0x10", "nan"}) {
+        rows.push_back({text, Kind::String, text, false, 0, 0});
+    }
+    for (const ConversionCase& row : rows) {
+        SCOPED_TRACE(row.mText);
+        EXPECT_EQ(row.mValue.getKind(), row.mKind);
+        EXPECT_EQ(row.mValue.toString(), row.mText);
+        EXPECT_EQ(row.mValue.toBool(), row.mBool);
+        EXPECT_EQ(row.mValue.toReal(), row.mReal);
+        EXPECT_EQ(row.mValue.toInteger(), row.mInteger);
+        EXPECT_EQ(row.mValue.toMap().size(), row.mKind == Kind::Map ? 1U : 0U);
+        EXPECT_EQ(row.mValue.toList().size(), row.mKind == Kind::List ? 2U : 0U);
     }
     const ktVariant notANumber(std::nan(""));
     EXPECT_TRUE(notANumber.toBool());
     EXPECT_EQ(notANumber.toInteger(), 0);
     EXPECT_FALSE(notANumber == notANumber);
-}
-
-TEST(Variant, EveryFloatComesOutUnchanged) {
-    for (const float number : {0.1F, -0.0F, 1e-45F, std::numeric_limits<float>::max(), 16777217.0F}) {
-        const auto back = static_cast<float>(ktVariant(number).toReal());
-        EXPECT_EQ(std::signbit(back), std::signbit(number));
-        EXPECT_EQ(back, number);
-    }
 }
 
 TEST(Variant, TextsOfEveryLengthSurviveCopyAndMove) {
@@ -130,24 +117,25 @@ TEST(Variant, TakesAPartOfItself) {
 }
 
 TEST(Variant, EqualOnlyWithinAKind) {
-    EXPECT_FALSE(ktVariant(1) == ktVariant(1.0));
-    EXPECT_FALSE(ktVariant(1) == ktVariant(true));
-    EXPECT_FALSE(ktVariant(Map()) == ktVariant(List()));
-    EXPECT_TRUE(ktVariant(Map()) == ktVariant(Map{}));
-    EXPECT_FALSE(ktVariant(List{1, 2}) == ktVariant(List{1}));
-    EXPECT_FALSE(ktVariant(Map{{"a", 1}}) == ktVariant(Map{{"b", 1}}));
+    const ktVariant values[] = {ktVariant(), 1,          1.0,     true,          "1",          Map(),
+                                List(),      List{1, 2}, List{1}, Map{{"a", 1}}, Map{{"b", 1}}};
+    for (const ktVariant& a : values) {
+        for (const ktVariant& b : values) {
+            EXPECT_EQ(a == ktVariant(b), &a == &b) << &a - values << " and " << &b - values;
+        }
+    }
 }
 
 /// Maps and lists in turn, each the only value of the one around it.
 ktVariant makeNested(int levels) {
     ktVariant value("innermost text of some length");
     for (int level = 0; level < levels; ++level) {
+        List list;
+        Map map;
         if (level % 2 == 0) {
-            List list;
             list.push_back(std::move(value));
             value = ktVariant(std::move(list));
         } else {
-            Map map;
             map.append("the only key, which is long", std::move(value));
             map.append("z", ktVariant(level));
             value = ktVariant(std::move(map));
