@@ -192,7 +192,7 @@ void ktAnnotationText::TextSegment::assignText(std::string_view text) {
     old.mText = std::exchange(mText, nullptr);
     old.mLength = std::exchange(mLength, std::uint16_t{0});
     if (length != 0) {
-        std::memcpy(allocateText(length), text.data(), length);
+        reading::copyText(allocateText(length), text.data(), length);
     }
 }
 
@@ -231,6 +231,9 @@ void ktAnnotationText::TextSegment::load(kt::ktBaseStream& stream) {
     clearTextProperties();
     releaseText();
     if (stream.GetVersion() >= version::s6_17) {
+        if (loadUsual(stream)) {
+            return;
+        }
         loadText(stream);
         std::uint8_t type = mType;
         stream.readByte(type);
@@ -246,6 +249,34 @@ void ktAnnotationText::TextSegment::load(kt::ktBaseStream& stream) {
         mProperties = new TextProperties;
         mProperties->load(stream);
     }
+}
+
+bool ktAnnotationText::TextSegment::loadUsual(kt::ktBaseStream& stream) {
+    constexpr std::size_t sLengthSize = 2;
+    constexpr std::size_t sEndSize = 2;  // type, and whether properties follow
+    const std::byte* lengthBytes = stream.peek(sLengthSize);
+    if (lengthBytes == nullptr) {
+        return false;
+    }
+    const std::size_t length =
+        std::to_integer<std::size_t>(lengthBytes[0]) | std::to_integer<std::size_t>(lengthBytes[1]) << 8U;
+    const std::byte* bytes = stream.peek(sLengthSize + length + sEndSize);
+    if (bytes == nullptr) {
+        return false;
+    }
+    const std::byte* text = bytes + sLengthSize;
+    const std::byte* end = text + length;
+    if (end[1] != std::byte{0}) {
+        return false;
+    }
+    stream.take(sLengthSize);
+    if (length != 0) {
+        stream.chargeMemory(length + 1, 1);
+        reading::copyText(allocateText(static_cast<std::uint16_t>(length)), text, length);
+    }
+    mType = static_cast<SegmentType>(end[0]);
+    stream.take(length + sEndSize);
+    return true;
 }
 
 void ktAnnotationText::TextSegment::loadText(kt::ktBaseStream& stream) {

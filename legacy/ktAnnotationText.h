@@ -99,6 +99,9 @@ public:
         /// Replaces the text by length bytes of 0 for the caller to fill.
         char* allocateText(std::uint16_t length);
         void releaseText() noexcept;
+        /// Reads a whole segment without properties from 6.17 on, at one check of the bounds. False, with nothing
+        /// read, when the next segment is not such a one.
+        bool loadUsual(kt::ktBaseStream& stream);
         void loadText(kt::ktBaseStream& stream);
         void loadTextPrior_6_17(kt::ktBaseStream& stream);
     };

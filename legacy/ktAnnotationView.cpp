@@ -102,6 +102,10 @@ private:
         mView.mAnnotations.reserve(mView.mAnnotations.size() + list->size());
         for (const kt::ktVariant& entry : *list) {
             if (const reading::VariantMap* map = entry.getMap(); map != nullptr) {
+                const reading::VariantMap* next = &entry != &list->back() ? (&entry + 1)->getMap() : nullptr;
+                if (next != nullptr) {
+                    reading::prefetchMap(*map, *next);
+                }
                 readEntry(*map);
             } else {
                 mErrors.emplace_back(contentMessage);

@@ -98,6 +98,9 @@ public:
         return bytes;
     }
 
+    /// The next size bytes, which stay to be read; null when there are fewer.
+    const std::byte* peek(std::size_t size) const { return size <= getRemaining() ? mCursor : nullptr; }
+
     /// Reads one byte as read() does, setting the error flag when there is none.
     /// @return false when there was none; value is unchanged then.
     bool readByte(std::uint8_t& value) {

@@ -14,9 +14,11 @@ class MapReader {
 public:
     explicit MapReader(ktBaseStream& stream) : mStream(stream) {}
 
-    ktVariant read() {
-        const bool isWhole = open(ktVariant::Kind::Map) && readAll();
-        if (!isWhole) {
+    /// Reads a map whose count has been read.
+    ktVariant read(std::uint32_t count) {
+        mBuilder.beginMap();
+        mMissing.push_back(count);
+        if (!readAll()) {
             mStream.setStreamError();
             keepWholeEntries();
         }
@@ -164,7 +166,14 @@ private:
 }  // namespace
 
 void ktInstanceMetaData::LoadVariantMap(ktBaseStream& stream, ktVariant::ktVariantMapImpl& map) {
-    map = std::move(*MapReader(stream).read().editMap());
+    std::uint32_t count = 0;
+    stream.readle(4, 1, &count);
+    if (count == 0) {
+        // Most maps of a document are empty: no reader is made for them.
+        map.clear();
+        return;
+    }
+    map = std::move(*MapReader(stream).read(count).editMap());
 }
 
 }  // namespace kt

@@ -24,10 +24,11 @@ struct Decimal {
     std::int64_t mExponent = 0;    ///< power of ten that belongs to mDigits
 
     const char* readDigits(const char* position, const char* end) {
+        const char* begin = position;
         for (; isDigit(position, end); ++position) {
             mDigits = mDigits * 10 + static_cast<std::uint64_t>(*position - '0');
-            mDigitCount += static_cast<std::int64_t>(mDigitCount != 0 || *position != '0');
         }
+        mDigitCount += position - begin;
         return position;
     }
 
@@ -46,7 +47,11 @@ struct Decimal {
             return position;
         }
         mIsInteger = false;
-        const char* behind = readDigits(position + 1, end);
+        const char* first = position + 1;
+        while (mDigitCount == 0 && first != end && *first == '0') {
+            ++first;
+        }
+        const char* behind = readDigits(first, end);
         mExponent -= behind - (position + 1);
         return behind;
     }

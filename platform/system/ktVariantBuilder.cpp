@@ -92,7 +92,8 @@ std::size_t ktVariantBuilder::getElementCount() const {
     return isInMap() ? cells / 2 : cells;
 }
 
-ktVariantBuilder::Shape& ktVariantBuilder::chooseShape(std::vector<Shape>& shapes, const Cell* entries, std::size_t count) {
+ktVariantBuilder::Shape& ktVariantBuilder::chooseShape(std::vector<Shape>& shapes, const Cell* entries,
+                                                       std::size_t count) {
     constexpr std::size_t sShapeCount = 64;
     if (shapes.empty()) {
         shapes.resize(sShapeCount);
@@ -175,7 +176,7 @@ void ktVariantBuilder::end() {
         }
     }
     mCellCount = frame.mFirstCell;
-    mFrames.pop_back();
+    endFrame();
     // The room of the elements holds their container, unless there were none.
     auto* container = new (makeRoom()) ktVariant;
     container->setContainer(frame.mKind, block);
@@ -195,7 +196,7 @@ void ktVariantBuilder::destroyCells(const Frame& frame) noexcept {
 
 void ktVariantBuilder::drop() {
     destroyCells(mFrames.back());
-    mFrames.pop_back();
+    endFrame();
 }
 
 void ktVariantBuilder::dropLooseKey() {

@@ -6,12 +6,48 @@
 #include "platform/system/ktVariantMapImpl.h"
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 #include <vector>
 
 namespace kt::impl {
+
+/// A text of up to 15 bytes as two numbers, its first byte the least significant one, zero behind its end.
+struct ktShortText {
+    static constexpr std::size_t sMaxSize = 15;
+    /// Bytes that must be readable where a short text begins.
+    static constexpr std::size_t sReadableSize = 16;
+    /// Elsewhere the numbers would not lie in memory as the text does.
+    static constexpr bool sIsSupported = std::endian::native == std::endian::little;
+
+    ktShortText(const char* text, std::size_t size) : mSize(size) {
+        std::memcpy(&mLow, text, sizeof(mLow));
+        std::memcpy(&mHigh, text + sizeof(mLow), sizeof(mHigh));
+        if (size < sizeof(mLow)) {
+            mLow &= (std::uint64_t{1} << (8 * size)) - 1;
+            mHigh = 0;
+        } else {
+            mHigh &= (std::uint64_t{1} << (8 * (size - sizeof(mLow)))) - 1;
+        }
+    }
+
+    bool hasBackslash() const { return (findBackslash(mLow) | findBackslash(mHigh)) != 0; }
+
+    std::uint64_t mLow = 0;
+    std::uint64_t mHigh = 0;
+    std::size_t mSize;
+
+private:
+    /// Not 0 when one of the eight bytes is a backslash.
+    static std::uint64_t findBackslash(std::uint64_t bytes) {
+        constexpr std::uint64_t sOnes = 0x0101010101010101;
+        const std::uint64_t zeroWhereFound = bytes ^ (sOnes * '\\');
+        return (zeroWhereFound - sOnes) & ~zeroWhereFound & (sOnes * 0x80);
+    }
+};
 
 /// Builds a variant from the parts of a document in their order. Parts wait on one stack until their map or list ends;
 /// then it gets a block of just the right size. The nesting needs no call stack.
@@ -31,6 +67,16 @@ public:
         new (makeRoom()) ktVariantKey(key);
         ++mCellCount;
     }
+    void addKey(const ktShortText& key) { addCell(key.mLow, key.mHigh | std::uint64_t{key.mSize} << 56U); }
+    void addValue(const ktShortText& text) {
+        if (text.mSize > ktVariant::sMaxInlineText) [[unlikely]] {
+            const std::uint64_t bytes[2] = {text.mLow, text.mHigh};
+            addValue(std::string_view(reinterpret_cast<const char*>(bytes), text.mSize));
+            return;
+        }
+        constexpr auto sTag = static_cast<std::uint64_t>(ktVariant::Kind::String) << 56U;
+        addCell(text.mLow, text.mHigh | std::uint64_t{text.mSize} << 48U | sTag);
+    }
     template <typename Value>
     void addValue(Value&& value) {
         new (makeRoom()) ktVariant(std::forward<Value>(value));
@@ -45,7 +91,7 @@ public:
 
     /// Maps and lists begun and not ended.
     std::size_t getDepth() const { return mFrames.size(); }
-    bool isInMap() const { return !mFrames.empty() && mFrames.back().mKind == ktVariant::Kind::Map; }
+    bool isInMap() const { return mIsInMap; }
     /// Elements of the innermost list so far, or entries of the innermost map.
     std::size_t getElementCount() const;
 
@@ -76,12 +122,24 @@ private:
         std::array<Cell, sMaxCount> mKeys;
     };
 
-    void begin(ktVariant::Kind kind) { mFrames.push_back({kind, mCellCount}); }
+    void begin(ktVariant::Kind kind) {
+        mFrames.push_back({kind, mCellCount});
+        mIsInMap = kind == ktVariant::Kind::Map;
+    }
+    void endFrame() {
+        mFrames.pop_back();
+        mIsInMap = !mFrames.empty() && mFrames.back().mKind == ktVariant::Kind::Map;
+    }
     Cell* makeRoom() {
         if (mCellCount == mCellCapacity) [[unlikely]] {
             grow();
         }
         return mCells + mCellCount;
+    }
+    void addCell(std::uint64_t low, std::uint64_t high) {
+        const std::uint64_t bytes[2] = {low, high};
+        std::memcpy(makeRoom()->mBytes, bytes, sizeof(bytes));
+        ++mCellCount;
     }
     void grow();
     ktVariantBlock* makeMapBlock(Cell* entries, std::size_t count);
@@ -94,6 +152,7 @@ private:
     std::size_t mCellCount = 0;
     std::size_t mCellCapacity = 0;
     std::vector<Frame> mFrames;
+    bool mIsInMap = false;  ///< whether the innermost frame is a map's
     std::vector<Shape> mShapes;
 };
 

@@ -131,6 +131,18 @@ private:
     const char* mFault = nullptr;
 };
 
+/// Goes from token to token of a text. Held in registers while the text is read, so it is handed only to functions that
+/// are inlined.
+struct Tokens {
+    const char* mText;
+    const std::uint32_t* mNext;  ///< offset of the next token
+    const std::uint32_t* mLast;  ///< behind the last token stands the size of the text
+    bool mExpectsValue = true;
+
+    char character() const { return mNext == mLast ? '\0' : mText[*mNext]; }
+    const char* position() const { return mText + *mNext; }
+};
+
 }  // namespace
 
 /// Goes over the text twice: the first stage of simdjson checks the encoding and the quotes and lists where tokens
@@ -142,12 +154,12 @@ public:
         if (!findTokens(error)) {
             return false;
         }
-        mNext = mIndex->structural_indexes.get();
-        mLast = mNext + mIndex->n_structural_indexes;
-        const char* fault = readDocument();
+        const std::uint32_t* first = mIndex->structural_indexes.get();
+        Tokens tokens{mText.data(), first, first + mIndex->n_structural_indexes};
+        const char* fault = readDocument(tokens);
         if (fault != nullptr) {
             mBuilder.clear();
-            error.mOffset = getFaultOffset(fault);
+            error.mOffset = getFaultOffset(tokens, fault);
             error.mMessage = fault;
             error.mIsLimit = fault == sTooDeep;
             return false;
@@ -192,58 +204,57 @@ private:
         }
     }
 
-    std::size_t getFaultOffset(const char* fault) const {
+    std::size_t getFaultOffset(const Tokens& tokens, const char* fault) const {
         if (fault == sWrongEscape) {
             return static_cast<std::size_t>(mUnescaper.getFault() - mText.data());
         }
-        return mNext == mLast ? mText.size() : *mNext;
+        return tokens.mNext == tokens.mLast ? mText.size() : *tokens.mNext;
     }
-
-    char tokenCharacter() const { return mNext == mLast ? '\0' : mText[*mNext]; }
 
     /// Reads the one value of the text. Null, or what is wrong at the next token. Each step reads one token or two and
     /// says whether a value comes next; no step calls another for a nested value.
-    const char* readDocument() {
+    const char* readDocument(Tokens& allTokens) {
+        Tokens tokens = allTokens;
         const char* fault = nullptr;
-        mExpectsValue = true;
-        while (fault == nullptr && (mExpectsValue || mBuilder.getDepth() != 0)) {
-            if (mExpectsValue) {
-                fault = readValue();
+        while (fault == nullptr && (tokens.mExpectsValue || mBuilder.getDepth() != 0)) {
+            if (tokens.mExpectsValue) {
+                fault = readValue(tokens);
             } else {
-                fault = mBuilder.isInMap() ? readMapPart() : readListPart();
+                fault = mBuilder.isInMap() ? readMapPart(tokens) : readListPart(tokens);
             }
         }
-        if (fault == nullptr && mNext != mLast) {
+        if (fault == nullptr && tokens.mNext != tokens.mLast) {
             fault = "The document must end after its one value.";
         }
+        allTokens = tokens;
         return fault;
     }
 
     /// What follows a value in a map.
-    const char* readMapPart() {
-        switch (tokenCharacter()) {
+    [[gnu::always_inline]] const char* readMapPart(Tokens& tokens) {
+        switch (tokens.character()) {
             case '}':
-                ++mNext;
+                ++tokens.mNext;
                 mBuilder.end();
                 return nullptr;
             case ',':
-                ++mNext;
-                return readKey();
+                ++tokens.mNext;
+                return readKey(tokens);
             default:
                 return "Missing a comma or } after an object member.";
         }
     }
 
     /// What follows a value in a list.
-    const char* readListPart() {
-        switch (tokenCharacter()) {
+    [[gnu::always_inline]] const char* readListPart(Tokens& tokens) {
+        switch (tokens.character()) {
             case ']':
-                ++mNext;
+                ++tokens.mNext;
                 mBuilder.end();
                 return nullptr;
             case ',':
-                ++mNext;
-                mExpectsValue = true;
+                ++tokens.mNext;
+                tokens.mExpectsValue = true;
                 return nullptr;
             default:
                 return "Missing a comma or ] after an array element.";
@@ -251,123 +262,138 @@ private:
     }
 
     /// Reads a key and its colon.
-    const char* readKey() {
-        std::string_view key;
-        if (tokenCharacter() != '"') {
+    [[gnu::always_inline]] const char* readKey(Tokens& tokens) {
+        if (tokens.character() != '"') {
             return "Missing a name for object member.";
         }
-        if (!readText(key)) {
+        const bool isRead = readText(tokens, [this](const auto& key) { mBuilder.addKey(key); });
+        if (!isRead) {
             return sWrongEscape;
         }
-        mBuilder.addKey(key);
-        if (tokenCharacter() != ':') {
+        if (tokens.character() != ':') {
             return "Missing a colon after a name of object member.";
         }
-        ++mNext;
-        mExpectsValue = true;
+        ++tokens.mNext;
+        tokens.mExpectsValue = true;
         return nullptr;
     }
 
-    const char* readValue() {
-        mExpectsValue = false;
-        switch (tokenCharacter()) {
+    [[gnu::always_inline]] const char* readValue(Tokens& tokens) {
+        tokens.mExpectsValue = false;
+        switch (tokens.character()) {
             case '{':
-                return beginMap();
+                return beginMap(tokens);
             case '[':
-                return beginList();
+                return beginList(tokens);
             case '"':
-                return readString();
+                return readString(tokens);
             case 't':
-                return readWord("true", true);
+                return readWord(tokens, "true", true);
             case 'f':
-                return readWord("false", false);
+                return readWord(tokens, "false", false);
             case 'n':
-                return readWord("null", ktVariant());
+                return readWord(tokens, "null", ktVariant());
             default:
-                return readNumber();
+                return readNumber(tokens);
         }
     }
 
     bool isTooDeep() const { return mBuilder.getDepth() == sMaxJsonDepth; }
 
-    const char* beginMap() {
+    [[gnu::always_inline]] const char* beginMap(Tokens& tokens) {
         if (isTooDeep()) {
             return sTooDeep;
         }
-        ++mNext;
+        ++tokens.mNext;
         mBuilder.beginMap();
-        if (tokenCharacter() == '}') {
-            ++mNext;
+        if (tokens.character() == '}') {
+            ++tokens.mNext;
             mBuilder.end();
             return nullptr;
         }
-        return readKey();
+        return readKey(tokens);
     }
 
-    const char* beginList() {
+    [[gnu::always_inline]] const char* beginList(Tokens& tokens) {
         if (isTooDeep()) {
             return sTooDeep;
         }
-        ++mNext;
+        ++tokens.mNext;
         mBuilder.beginList();
-        if (tokenCharacter() == ']') {
-            ++mNext;
+        if (tokens.character() == ']') {
+            ++tokens.mNext;
             mBuilder.end();
             return nullptr;
         }
-        mExpectsValue = true;
+        tokens.mExpectsValue = true;
         return nullptr;
     }
 
-    const char* readString() {
-        std::string_view text;
-        if (!readText(text)) {
-            return sWrongEscape;
-        }
-        mBuilder.addValue(text);
-        return nullptr;
+    [[gnu::always_inline]] const char* readString(Tokens& tokens) {
+        return readText(tokens, [this](const auto& text) { mBuilder.addValue(text); }) ? nullptr : sWrongEscape;
     }
 
-    /// The text of the string token, which is passed over; false when an escape is wrong.
-    bool readText(std::string_view& text) {
+    /// Passes over the string token and gives its text to add; false when an escape is wrong.
+    template <typename Add>
+    [[gnu::always_inline]] bool readText(Tokens& tokens, Add add) {
         // Behind the string there are only blanks before the next token, so its closing quote is found from there.
-        const std::size_t begin = *mNext + std::size_t{1};
-        std::size_t end = mNext[1] - std::size_t{1};
+        const std::size_t begin = *tokens.mNext + std::size_t{1};
+        std::size_t end = tokens.mNext[1] - std::size_t{1};
         while (mText[end] != '"') {
             --end;
         }
-        text = mText.substr(begin, end - begin);
-        if (!text.empty() && std::memchr(text.data(), '\\', text.size()) != nullptr) {
+        const std::size_t size = end - begin;
+        if (impl::ktShortText::sIsSupported && size <= impl::ktShortText::sMaxSize &&
+            mText.size() - begin >= impl::ktShortText::sReadableSize) {
+            const impl::ktShortText text(mText.data() + begin, size);
+            if (!text.hasBackslash()) {
+                ++tokens.mNext;
+                add(text);
+                return true;
+            }
+        }
+        if (!addLongText(mText.substr(begin, size), add)) {
+            return false;
+        }
+        ++tokens.mNext;
+        return true;
+    }
+
+    template <typename Add>
+    [[gnu::noinline]] bool addLongText(std::string_view text, Add add) {
+        if (text.find('\\') != std::string_view::npos) {
             text = mUnescaper.unescape(text);
             if (text.data() == nullptr) {
                 return false;
             }
         }
-        ++mNext;
+        add(text);
         return true;
     }
 
     template <typename Value>
-    const char* readWord(std::string_view word, Value&& value) {
-        if (mText.compare(*mNext, word.size(), word) != 0 || !endsToken(mText.data() + *mNext + word.size())) {
+    [[gnu::always_inline]] const char* readWord(Tokens& tokens, std::string_view word, Value&& value) {
+        if (mText.compare(*tokens.mNext, word.size(), word) != 0 ||
+            !endsToken(mText.data() + *tokens.mNext + word.size())) {
             return "Invalid value.";
         }
-        ++mNext;
+        ++tokens.mNext;
         mBuilder.addValue(std::forward<Value>(value));
         return nullptr;
     }
 
-    const char* readNumber() {
+    [[gnu::always_inline]] const char* readNumber(Tokens& tokens) {
         const char* end = mText.data() + mText.size();
-        const impl::ktJsonNumber number =
-            mNext == mLast ? impl::ktJsonNumber() : impl::ktJsonNumber::parse(mText.data() + *mNext, end);
+        const impl::ktJsonNumber number = tokens.mNext == tokens.mLast
+                                              ? impl::ktJsonNumber()
+                                              : impl::ktJsonNumber::parse(mText.data() + *tokens.mNext, end);
         if (number.mEnd == nullptr || !endsToken(number.mEnd)) {
             return "Invalid value.";
         }
         if (std::isinf(number.mReal)) {
             return "Number too big to be stored in double.";
         }
-        ++mNext;
+        ++tokens.mNext;
         if (number.mIsInteger) {
             mBuilder.addValue(number.mInteger);
         } else {
@@ -387,9 +413,6 @@ private:
 
     std::string_view mText;
     std::unique_ptr<simdjson::internal::dom_parser_implementation> mIndex;
-    const std::uint32_t* mNext = nullptr;  ///< offset of the next token
-    const std::uint32_t* mLast = nullptr;  ///< behind the last token stands the size of the text
-    bool mExpectsValue = false;
     impl::ktVariantBuilder mBuilder;
     Unescaper mUnescaper;
 };
