@@ -3,11 +3,10 @@
 /// @file
 /// Writes the bytes of binary records for tests.
 
-#include "platform/system/ktStreamVersion.h"
+#include "platform/system/ktBaseStream.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -18,15 +17,12 @@ namespace ktTest {
 /// needs something else writes the fields itself.
 class StreamBuilder {
 public:
-    explicit StreamBuilder(kt::ktStreamVersion version) : mVersion(version) {}
-    StreamBuilder(std::uint16_t major, std::uint16_t minor) : mVersion(major, minor) {}
+    explicit StreamBuilder(unsigned int minor) : mVersion(6, static_cast<std::uint16_t>(minor)) {}
 
     kt::ktStreamVersion getVersion() const { return mVersion; }
     std::span<const std::byte> getBytes() const { return mBytes; }
     std::size_t getSize() const { return mBytes.size(); }
-    bool isFrom(std::uint16_t major, std::uint16_t minor) const {
-        return mVersion >= kt::ktStreamVersion(major, minor);
-    }
+    bool isFrom(std::uint16_t minor) const { return mVersion >= kt::ktStreamVersion(6, minor); }
 
     // Fields
 
@@ -34,44 +30,35 @@ public:
     StreamBuilder& u16(unsigned int value) { return number(static_cast<std::uint16_t>(value)); }
     StreamBuilder& u32(std::uint32_t value) { return number(value); }
     StreamBuilder& i32(std::int32_t value) { return number(value); }
-    StreamBuilder& i64(std::int64_t value) { return number(value); }
     StreamBuilder& f32(float value) { return number(value); }
     StreamBuilder& vector(float x, float y, float z) { return f32(x).f32(y).f32(z); }
-    StreamBuilder& bytes(std::string_view text) {
-        const auto* data = reinterpret_cast<const std::byte*>(text.data());
-        mBytes.insert(mBytes.end(), data, data + text.size());
-        return *this;
-    }
+    StreamBuilder& bytes(std::string_view text) { return append(text.data(), text.size()); }
     StreamBuilder& text(std::string_view text) { return i32(static_cast<std::int32_t>(text.size())).bytes(text); }
     /// A variant map with one entry of an integer.
-    StreamBuilder& map(std::string_view key, std::int64_t value) { return u32(1).text(key).u8(2).i64(value); }
+    StreamBuilder& map(std::string_view key, std::int64_t value) { return u32(1).text(key).u8(2).number(value); }
     StreamBuilder& emptyMap() { return u32(0); }
 
     // Records
 
     StreamBuilder& leader(float x, float y, float z, unsigned int head) {
-        vector(x, y, z);
-        return isFrom(6, 22) ? u8(head) : *this;
+        return isFrom(22) ? vector(x, y, z).u8(head) : vector(x, y, z);
     }
     /// Points A (x, 0, 0) and B (x, 1, 0), offset (0, 0, 2).
     StreamBuilder& measure(float x, unsigned int arrow) {
         vector(x, 0, 0).vector(x, 1, 0).vector(0, 0, 2);
-        return isFrom(6, 22) ? u8(arrow) : *this;
+        return isFrom(22) ? u8(arrow) : *this;
     }
     /// Position (7, 8, 9), colour (1, 2, 3).
     StreamBuilder& placement(unsigned int flags) { return vector(7, 8, 9).u8(1).u8(2).u8(3).u8(flags); }
     /// The base record up to and without the sub-annotations: one leader, one measure leader, a rectangular frame.
     StreamBuilder& baseStart(std::string_view name) {
         text(name).u32(1).leader(4, 5, 6, 3);
-        if (isFrom(6, 17)) {
-            u32(1).measure(1, 2);
-        }
-        return placement(1);
+        return (isFrom(17) ? u32(1).measure(1, 2) : *this).placement(1);
     }
     /// The whole base record without sub-annotations.
     StreamBuilder& base(std::string_view name) {
         baseStart(name);
-        return isFrom(6, 22) ? u32(0).emptyMap() : *this;
+        return isFrom(22) ? u32(0).emptyMap() : *this;
     }
     StreamBuilder& properties(std::string_view font, unsigned int height, unsigned int style, unsigned int reserved) {
         return text(font).u16(height).u8(style).u8(reserved);
@@ -80,7 +67,7 @@ public:
     StreamBuilder& segment(std::string_view text, unsigned int type = 0) { return segmentStart(text, type).u8(0); }
     /// A segment up to the byte that tells whether properties follow.
     StreamBuilder& segmentStart(std::string_view content, unsigned int type = 0) {
-        return isFrom(6, 17) ? u16(static_cast<unsigned int>(content.size())).bytes(content).u8(type) : text(content);
+        return isFrom(17) ? u16(static_cast<unsigned int>(content.size())).bytes(content).u8(type) : text(content);
     }
     /// Default properties and one line with one segment: the end of a text record.
     StreamBuilder& textEnd(std::string_view content) {
@@ -96,14 +83,21 @@ public:
 private:
     template <typename Number>
     StreamBuilder& number(Number value) {
-        std::byte bytes[sizeof(Number)];
-        std::memcpy(bytes, &value, sizeof(Number));
-        mBytes.insert(mBytes.end(), bytes, bytes + sizeof(Number));
+        return append(&value, sizeof(Number));
+    }
+    StreamBuilder& append(const void* data, std::size_t size) {
+        const auto* bytes = static_cast<const std::byte*>(data);
+        mBytes.insert(mBytes.end(), bytes, bytes + size);
         return *this;
     }
 
     kt::ktStreamVersion mVersion;
     std::vector<std::byte> mBytes;
+};
+
+/// A stream over the bytes that a builder holds now.
+struct Stream : kt::ktBaseStream {
+    explicit Stream(const StreamBuilder& builder) : ktBaseStream(builder.getBytes(), builder.getVersion()) {}
 };
 
 }  // namespace ktTest

@@ -4,11 +4,10 @@
 usage: check_virtual_slots.py TABLE COMPILER ARGUMENTS...
 
 The compiler (g++) is run with the arguments and its class dump compared with the table, whose paragraphs are a class name
-and one indented line per slot. With KT_PRINT_SLOTS set the table is printed as the compiler sees it.
+and one indented line per slot.
 """
 
 import difflib
-import os
 import pathlib
 import re
 import subprocess
@@ -16,49 +15,27 @@ import sys
 import tempfile
 
 
-def read_table(text):
-    """Maps each class of a table to its slots."""
-    table = {}
-    for line in text.splitlines():
-        if line.startswith(" "):
-            table[name].append(line.strip())
-        elif line and not line.startswith("#"):
-            name = line.strip()
-            table[name] = []
-    return table
+def read_table(path):
+    """The class names and slots of a table, one paragraph per class."""
+    lines = [line for line in path.read_text().splitlines() if not line.startswith("#")]
+    return [paragraph.splitlines() for paragraph in "\n".join(lines).strip().split("\n\n")]
 
 
-def read_dump(text):
-    """Maps each class of a g++ class dump to the functions of its virtual table."""
-    table = {}
-    for paragraph in re.split(r"\n\n", text):
-        match = re.match(r"Vtable for (\S+)\n", paragraph)
-        if match:
-            # Entries 0 and 1 are the offset to the top and the type information.
-            entries = re.findall(r"^\d+ +\(int \(\*\)\(\.\.\.\)\)(.*)$", paragraph, re.MULTILINE)
-            table[match.group(1)] = entries[2:]
-    return table
-
-
-def dump_classes(command):
+def read_dump(command):
+    """Maps each class to the functions of its virtual table as the compiler dumps it."""
     with tempfile.TemporaryDirectory() as folder:
         path = pathlib.Path(folder, "classes.txt")
         subprocess.run([*command, "-fsyntax-only", f"-fdump-lang-class={path}"], check=True)
-        return read_dump(path.read_text())
+        tables = re.findall(r"^Vtable for (\S+)\n((?:.+\n)*)", path.read_text(), re.MULTILINE)
+    entry = re.compile(r"^\d+ +\(int \(\*\)\(\.\.\.\)\)(.*)$", re.MULTILINE)
+    # Entries 0 and 1 are the offset to the top and the type information.
+    return {name: [f"    {function}" for function in entry.findall(body)[2:]] for name, body in tables}
 
 
-def main():
-    expected = read_table(pathlib.Path(sys.argv[1]).read_text())
-    actual = dump_classes(sys.argv[2:])
-    failed = False
-    for name, slots in expected.items():
-        if os.environ.get("KT_PRINT_SLOTS"):
-            print("\n".join([name, *(f"    {slot}" for slot in actual.get(name, []))]) + "\n")
-        difference = list(difflib.unified_diff(slots, actual.get(name, []), "table", "compiler", name, name, lineterm=""))
-        print(*difference, sep="\n", end="\n" if difference else "")
-        failed = failed or bool(difference)
-    return 1 if failed or not expected else 0
-
-
-if __name__ == "__main__":
-    sys.exit(main())
+expected = read_table(pathlib.Path(sys.argv[1]))
+actual = read_dump(sys.argv[2:])
+differences = []
+for name, *slots in expected:
+    differences += difflib.unified_diff(slots, actual.get(name, []), "table", "compiler", name, name, lineterm="")
+print(*differences, sep="\n")
+sys.exit(1 if differences or len(expected) < 2 else 0)

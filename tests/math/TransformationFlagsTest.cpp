@@ -7,7 +7,9 @@
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <tuple>
 #include <type_traits>
+#include <vector>
 
 namespace {
 
@@ -26,32 +28,37 @@ using Step = std::function<void(Transformation&)>;
 Step rotate(const Matrix& matrix) {
     return [matrix](Transformation& t) { t.SetRotate(matrix); };
 }
+
 Step general(const Matrix& matrix) {
     return [matrix](Transformation& t) { t.SetMatrix(matrix); };
 }
+
 Step translate(const Vector& v) {
     return [v](Transformation& t) { t.SetTranslate(v); };
 }
+
 Step scale(const Vector& v) {
     return [v](Transformation& t) { t.SetScale(v); };
 }
+
 Step uniform(float s) {
     return [s](Transformation& t) { t.SetUniformScale(s); };
 }
+/// A transformation after some steps.
+Transformation make(const std::vector<Step>& steps) {
+    Transformation transformation;
+    for (const Step& step : steps) {
+        step(transformation);
+    }
+    return transformation;
+}
 const Step sUnitScale = [](Transformation& t) { t.MakeUnitScale(); };
 const Step sIdentity = [](Transformation& t) { t.MakeIdentity(); };
+const Step sWrite = [](Transformation& t) { t.GetRotate() = sQuarterTurn; };
 const Step sRecompute = [](Transformation& t) { t.recomputeIsIdentity(); };
 
-struct FlagRow {
-    const char* description;
-    std::vector<Step> steps;
-    bool isIdentity;
-    bool isRS;
-    bool isUniform;
-};
-
 TEST(TransformationFlags, FollowTheSetters) {
-    const FlagRow rows[] = {
+    const std::tuple<const char*, std::vector<Step>, bool, bool, bool> rows[] = {
         {"new", {}, true, true, true},
         {"rotation", {rotate(sQuarterTurn)}, false, true, true},
         {"identity as rotation", {rotate(Matrix::IDENTITY)}, true, true, true},
@@ -74,38 +81,20 @@ TEST(TransformationFlags, FollowTheSetters) {
         {"rotation keeps the scale's uniformity", {scale({1, 2, 3}), rotate(sQuarterTurn)}, false, true, false},
         {"general and rotation again: not uniform", {general(sQuarterTurn), rotate(sQuarterTurn)}, false, true, false},
         {"general matrix never reports a uniform scale", {general(sQuarterTurn), uniform(3)}, false, false, false},
-        {"stored scale keeps a general identity matrix apart",
-         {uniform(2), general(Matrix::IDENTITY)},
-         false,
-         false,
-         false},
+        {"scale kept with a general identity", {uniform(2), general(Matrix::IDENTITY)}, false, false, false},
         {"made identity", {general(sQuarterTurn), translate({1, 2, 3}), sIdentity}, true, true, true},
-        {"written in place", {[](Transformation& t) { t.GetRotate() = sQuarterTurn; }}, true, true, true},
-        {"written in place and recomputed",
-         {[](Transformation& t) { t.GetRotate() = sQuarterTurn; }, sRecompute},
-         false,
-         true,
-         true},
+        {"written in place", {sWrite}, true, true, true},
+        {"written in place and recomputed", {sWrite, sRecompute}, false, true, true},
     };
-    for (const FlagRow& row : rows) {
-        SCOPED_TRACE(row.description);
-        Transformation transformation;
-        for (const Step& step : row.steps) {
-            step(transformation);
-        }
-        EXPECT_EQ(transformation.IsIdentity(), row.isIdentity);
-        EXPECT_EQ(transformation.IsRSMatrix(), row.isRS);
-        EXPECT_EQ(transformation.IsUniformScale(), row.isUniform);
+    for (const auto& [what, steps, isIdentity, isRS, isUniform] : rows) {
+        const Transformation transformation = make(steps);
+        EXPECT_EQ(transformation.IsIdentity(), isIdentity) << what;
+        EXPECT_EQ(transformation.IsRSMatrix(), isRS) << what;
+        EXPECT_EQ(transformation.IsUniformScale(), isUniform) << what;
     }
-}
-
-TEST(TransformationFlags, UniformityIsRememberedBesideAGeneralMatrix) {
-    Transformation transformation;
-    transformation.SetMatrix(sQuarterTurn);
-    transformation.SetUniformScale(3);
-    transformation.SetRotate(sQuarterTurn);
-    EXPECT_TRUE(transformation.IsUniformScale());
-    EXPECT_EQ(transformation.GetUniformScale(), 3);
+    const Transformation again = make({general(sQuarterTurn), uniform(3), rotate(sQuarterTurn)});
+    EXPECT_TRUE(again.IsUniformScale()) << "remembered beside the general matrix";
+    EXPECT_EQ(again.GetUniformScale(), 3);
 }
 
 TEST(TransformationQueries, FiniteMeansWithinTheLargestDouble) {
@@ -123,11 +112,8 @@ TEST(TransformationQueries, FiniteMeansWithinTheLargestDouble) {
             } else {
                 matrix[(index - 6) / 3][index % 3] = value;
             }
-            Transformation transformation;
-            transformation.SetMatrix(matrix);
-            transformation.SetScale(scaling);
-            transformation.SetTranslate(translation);
-            EXPECT_EQ(transformation.IsFinite(), std::isfinite(value)) << "component " << index << ", value " << value;
+            const Transformation map = make({general(matrix), scale(scaling), translate(translation)});
+            EXPECT_EQ(map.IsFinite(), std::isfinite(value)) << "component " << index << ", value " << value;
         }
     }
 }
@@ -135,11 +121,7 @@ TEST(TransformationQueries, FiniteMeansWithinTheLargestDouble) {
 TEST(TransformationQueries, NormIsTheLargestScaleOrTheRowSum) {
     const float half = std::sqrt(0.5F);
     const Matrix turned45(half, -half, 0, half, half, 0, 0, 0, 1);
-    const struct {
-        const char* description;
-        std::vector<Step> steps;
-        float norm;
-    } rows[] = {
+    const std::tuple<const char*, std::vector<Step>, float> rows[] = {
         {"identity", {}, 1},
         {"rotation by 45 degrees", {rotate(turned45)}, std::sqrt(2.0F)},
         {"scales of absolute value 1", {rotate(turned45), scale({-1, 1, -1})}, std::sqrt(2.0F)},
@@ -149,32 +131,19 @@ TEST(TransformationQueries, NormIsTheLargestScaleOrTheRowSum) {
         {"small scales", {scale({0.5F, 0.25F, 0.125F})}, 0.5F},
         {"general matrix", {general({1, -2, 3, 0, 0, 1, 4, 0, 0}), uniform(9)}, 6},
     };
-    for (const auto& row : rows) {
-        Transformation transformation;
-        for (const Step& step : row.steps) {
-            step(transformation);
-        }
-        EXPECT_FLOAT_EQ(transformation.GetNorm(), row.norm) << row.description;
+    for (const auto& [what, steps, norm] : rows) {
+        EXPECT_FLOAT_EQ(make(steps).GetNorm(), norm) << what;
     }
 }
 
 TEST(TransformationQueries, EqualityLooksAtBitsAndFlags) {
-    Transformation rotated;
-    rotated.SetRotate(Matrix::IDENTITY);
-    EXPECT_TRUE(rotated == Transformation());
-
-    Transformation generalIdentity;
-    generalIdentity.SetMatrix(Matrix::IDENTITY);
-    EXPECT_FALSE(generalIdentity == rotated);
-    EXPECT_TRUE(generalIdentity.Equals(rotated));
-
-    Transformation negativeZero;
-    negativeZero.SetTranslate({1, 0, 0});
-    Transformation positiveZero = negativeZero;
-    negativeZero.SetTranslate({1, -0.0F, 0});
-    EXPECT_TRUE(negativeZero == positiveZero);
-    negativeZero.SetRotate(sNegativeZero);
-    EXPECT_FALSE(negativeZero == positiveZero);
+    const Transformation generalIdentity = make({general(Matrix::IDENTITY)});
+    EXPECT_TRUE(make({rotate(Matrix::IDENTITY)}) == Transformation());
+    EXPECT_FALSE(generalIdentity == Transformation());
+    EXPECT_TRUE(generalIdentity.Equals(Transformation()));
+    const Transformation positiveZero = make({translate({1, 0, 0})});
+    EXPECT_TRUE(make({translate({1, -0.0F, 0})}) == positiveZero);
+    EXPECT_FALSE(make({translate({1, 0, 0}), rotate(sNegativeZero)}) == positiveZero);
 }
 
 template <typename Real>
@@ -184,11 +153,7 @@ TYPED_TEST_SUITE(TransformationTolerance, Reals);
 
 TYPED_TEST(TransformationTolerance, IsStrict) {
     using Real = TypeParam;
-    const struct {
-        const char* description;
-        Real translation, scale, entry;
-        bool isEqual;
-    } rows[] = {
+    const std::tuple<const char*, Real, Real, Real, bool> rows[] = {
         {"translation of 0.0009", Real(0.0009), 0, 0, true},
         {"translation of 0.001", Real(0.001), 0, 0, false},
         {"scale by 0.0009", 0, Real(0.0009), 0, true},
@@ -197,14 +162,14 @@ TYPED_TEST(TransformationTolerance, IsStrict) {
         {"entry of 1.1e-6", 0, 0, Real(-1.1e-6), false},
         {"NaN", std::numeric_limits<Real>::quiet_NaN(), 0, 0, false},
     };
-    for (const auto& row : rows) {
+    for (const auto& [what, translation, scale, entry, isEqual] : rows) {
         kt::ktGenericTransformation<Real> transformation;
         Wm4::Matrix3<Real> matrix = Wm4::Matrix3<Real>::IDENTITY;
-        matrix[0][2] = row.entry;
+        matrix[0][2] = entry;
         transformation.SetMatrix(matrix);
-        transformation.SetTranslate({0, row.translation, 0});
-        transformation.SetScale({1, 1, 1 + row.scale});
-        EXPECT_EQ(transformation.Equals({}), row.isEqual) << row.description;
+        transformation.SetTranslate({0, translation, 0});
+        transformation.SetScale({1, 1, 1 + scale});
+        EXPECT_EQ(transformation.Equals({}), isEqual) << what;
     }
 }
 

@@ -15,29 +15,19 @@
 
 #include <cmath>
 #include <memory>
-#include <ostream>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
-
-namespace kt::svg {
-inline void PrintTo(Path::Command command, std::ostream* out) { *out << "MLCAZ"[static_cast<int>(command)]; }
-}  // namespace kt::svg
-
-namespace Wm4 {
-inline void PrintTo(const Vector2<float>& v, std::ostream* out) { *out << '(' << v.x << ", " << v.y << ')'; }
-inline void PrintTo(const Vector3<float>& v, std::ostream* out) {
-    *out << '(' << v.x << ", " << v.y << ", " << v.z << ')';
-}
-}  // namespace Wm4
 
 namespace migrationtest {
 
 using Vector2 = Wm4::Vector2<float>;
 using Vector3 = Wm4::Vector3<float>;
-using Command = kt::svg::Path::Command;
+using Legacy = ktLegacy::ktAnnotationInterface;
+using Raster = kt::ktPointer<ktLegacy::ktAnnotationRaster>;
+using Strings = std::vector<std::string>;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 /// Keeps the messages of type 5 while it lives; a category or context shows in the message.
 class RecordingLog final : public kt::ktLog {
@@ -51,7 +41,7 @@ public:
         }
     }
 
-    std::vector<std::string> mMessages;
+    Strings mMessages;
 
 private:
     kt::ktLog* mPrevious;
@@ -66,46 +56,42 @@ inline bool giveRaster(const std::string& name, std::string& data, void*) {
 /// The size in em that becomes exactly these drawing units.
 inline float emOf(float units) {
     float em = units / 3.175F;
-    while (em * 3.175F < units) {
-        em = std::nextafter(em, INFINITY);
-    }
-    while (em * 3.175F > units) {
-        em = std::nextafter(em, 0.0F);
+    for (int step = 0; step < 4 && em * 3.175F != units; ++step) {
+        em = std::nextafter(em, em * 3.175F < units ? INFINITY : 0.0F);
     }
     EXPECT_EQ(em * 3.175F, units);
     return em;
 }
 
-inline kt::ktPointer<ktLegacy::ktAnnotationRaster> makeRaster(const std::string& name, float width, float height) {
-    kt::ktPointer<ktLegacy::ktAnnotationRaster> raster(new ktLegacy::ktAnnotationRaster);
+inline Raster makeRaster(const std::string& name, float width, float height) {
+    Raster raster(new ktLegacy::ktAnnotationRaster);
     raster->SetName(name);
     raster->mRasterName = "picture";
     raster->mSizeEm = {emOf(width), emOf(height)};
     return raster;
 }
 
-inline void addChild(ktLegacy::ktAnnotationInterface& parent,
-                     const kt::ktPointer<ktLegacy::ktAnnotationInterface>& child, int anchor = 2) {
-    ktLegacy::ktAnnotationInterface::SubAnnot entry;
-    entry.mAnnotation = child;
-    entry.mAnchorLocation = static_cast<ktLegacy::ktAnnotationInterface::SubAnnot::AnchorLocation>(anchor);
-    parent.editSubAnnots().push_back(entry);
+inline void addChild(Legacy& parent, const kt::ktPointer<Legacy>& child, int anchor = 2) {
+    parent.editSubAnnots().push_back({child, static_cast<Legacy::SubAnnot::AnchorLocation>(anchor)});
 }
 
-inline ktLegacy::ktAnnotationInterface::Leader makeLeader(const Vector3& target, int head) {
-    ktLegacy::ktAnnotationInterface::Leader leader(target);
-    leader.mHead = static_cast<ktLegacy::ktAnnotationInterface::Leader::HeadType>(head);
+inline Legacy::Leader makeLeader(const Vector3& target, int head) {
+    Legacy::Leader leader(target);
+    leader.mHead = static_cast<Legacy::Leader::HeadType>(head);
     return leader;
 }
 
-inline ktLegacy::ktAnnotationInterface::MeasureLeader makeMeasure(const Vector3& a, const Vector3& b, const Vector3& v,
-                                                                  int arrows = 0) {
-    ktLegacy::ktAnnotationInterface::MeasureLeader measure;
-    measure.mPointA = a;
-    measure.mPointB = b;
-    measure.mOffsetVector = v;
-    measure.mArrowDirection = static_cast<ktLegacy::ktAnnotationInterface::MeasureLeader::ArrowDirection>(arrows);
-    return measure;
+inline Legacy::MeasureLeader makeMeasure(const Vector3& a, const Vector3& b, const Vector3& v, int arrows = 0) {
+    return {a, b, v, static_cast<Legacy::MeasureLeader::ArrowDirection>(arrows)};
+}
+
+/// The letters of a path's commands.
+inline std::string lettersOf(const kt::svg::Path& path) {
+    std::string letters;
+    for (const auto command : path.getCommands()) {
+        letters += "MLCAZ"[static_cast<int>(command)];
+    }
+    return letters;
 }
 
 /// The item as that kind of item; null when it is another kind.
@@ -123,18 +109,15 @@ protected:
     ~MigrationTest() override { kt::terminateKtAnnotationLegacyLibrary(); }
 
     /// The annotation with its sub-annotations; null when it failed.
-    Annotation migrate(const ktLegacy::ktAnnotationInterface* legacy, int flags = 0) {
-        return migrateWithBox(legacy, flags).first;
-    }
-    std::pair<Annotation, kt::svg::BoundingBox> migrateWithBox(const ktLegacy::ktAnnotationInterface* legacy,
-                                                               int flags = 0) {
+    Annotation migrate(const Legacy* legacy, int flags = 0) { return migrateWithBox(legacy, flags).first; }
+    std::pair<Annotation, kt::svg::BoundingBox> migrateWithBox(const Legacy* legacy, int flags = 0) {
         ktLegacy::ktAnnotationMigration migration(flags, giveRaster, nullptr, 3.0F);
         std::pair<Annotation, kt::svg::BoundingBox> result;
         const bool isGood = migration.createAnnotationFrame(legacy, result.first, result.second);
         EXPECT_EQ(isGood, result.first != nullptr);
         return result;
     }
-    std::vector<std::string> takeLog() { return std::exchange(mLog.mMessages, {}); }
+    Strings takeLog() { return std::exchange(mLog.mMessages, {}); }
 
     RecordingLog mLog;
 };
