@@ -20,20 +20,16 @@ MACHINE_PATH = re.compile(r"(^|[^A-Za-z0-9._/-])/(work|root|home)/")
 SKIPPED = {".git", "build", "out", "migrated", "__pycache__"}
 
 
-def check_header(text):
-    findings = []
-    lines = text.splitlines()
-    if not lines or lines[0] != "#pragma once":
-        findings.append("1: a header begins with #pragma once")
-    if not any(line.startswith("/// @file") for line in lines[:5]):
-        findings.append("1: a header tells under /// @file what it holds")
-    return findings
-
-
 def check_text(path, text):
     """Every finding in one file, as "line: what"."""
-    findings = check_header(text) if path.suffix == ".h" else []
-    for number, line in enumerate(text.splitlines(), 1):
+    findings = []
+    lines = text.splitlines()
+    if path.suffix == ".h":
+        if lines[:1] != ["#pragma once"]:
+            findings.append("1: a header begins with #pragma once")
+        if not any(line.startswith("/// @file") for line in lines[:5]):
+            findings.append("1: a header tells under /// @file what it holds")
+    for number, line in enumerate(lines, 1):
         if OUTSIDE_TEXT.search(line):
             findings.append(f"{number}: speaks of a text outside the project")
         if MACHINE_PATH.search(line):
@@ -44,25 +40,19 @@ def check_text(path, text):
 def text_files(root):
     for folder, folders, names in os.walk(root):
         folders[:] = [name for name in folders if name not in SKIPPED and not name.startswith("build")]
-        for name in names:
-            path = pathlib.Path(folder) / name
-            if path.is_symlink() or not path.is_file():
-                continue
-            data = path.read_bytes()
+        for path in (pathlib.Path(folder) / name for name in names if name not in SKIPPED):
+            data = path.read_bytes() if path.is_file() and not path.is_symlink() else b"\0"
             if b"\0" not in data:
                 yield path, data.decode("utf-8", errors="replace")
 
 
 def main():
     root = pathlib.Path(sys.argv[1]).resolve()
-    count = 0
-    findings = []
-    for path, text in text_files(root):
-        count += 1
-        findings += [f"{path.relative_to(root)}:{finding}" for finding in check_text(path, text)]
+    texts = list(text_files(root))
+    findings = [f"{path.relative_to(root)}:{what}" for path, text in texts for what in check_text(path, text)]
     print("\n".join(findings))
-    print(f"{count} files, {len(findings)} findings")
-    return 1 if findings or not count else 0
+    print(f"{len(texts)} files, {len(findings)} findings")
+    return 1 if findings or not texts else 0
 
 
 if __name__ == "__main__":

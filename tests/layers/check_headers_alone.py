@@ -12,23 +12,19 @@ import sys
 
 
 def compile_alone(header, command):
+    """The compiler's messages; empty when the header compiles."""
     source = f'#include "{header}"\n#include "{header}"\n'
-    run = subprocess.run(
-        [*command, "-fsyntax-only", "-x", "c++", "-"], input=source, capture_output=True, text=True, check=False
-    )
-    return header, run.returncode, run.stderr
+    command = [*command, "-fsyntax-only", "-x", "c++", "-"]
+    run = subprocess.run(command, input=source, capture_output=True, text=True, check=False)
+    return f"{header} does not compile alone:\n{run.stderr}" if run.returncode else ""
 
 
 def main():
     headers = pathlib.Path(sys.argv[1]).read_text(encoding="utf-8").split()
-    command = sys.argv[2:]
-    failures = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        for header, code, messages in pool.map(lambda header: compile_alone(header, command), headers):
-            if code != 0:
-                failures += 1
-                print(f"{header} does not compile alone:\n{messages}")
-    print(f"{len(headers)} headers, {failures} failures")
+        failures = list(filter(None, pool.map(lambda header: compile_alone(header, sys.argv[2:]), headers)))
+    print("\n".join(failures))
+    print(f"{len(headers)} headers, {len(failures)} failures")
     return 1 if failures or not headers else 0
 
 
