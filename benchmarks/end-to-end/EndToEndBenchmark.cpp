@@ -1,0 +1,171 @@
+/// From the bytes of a variant document to the bytes of its drawing, measured against graphics libraries that draw the
+/// same texts, frames and leaders. The libraries get the layout for nothing: positions, frames and leaders come from
+/// the migrated view, in their own types; once with and once without measuring each
+/// text, which a layout of their own could not do without. All take turns in one process, with fonts and caches warm;
+/// processor time counts, and of each the median.
+///
+///     EndToEndBenchmark [--chain]
+///
+/// --chain runs the chain alone for a few seconds, for a profiler.
+
+#include "benchmarks/end-to-end/FlatDrawing.h"
+#include "benchmarks/end-to-end/Painter.h"
+#include "benchmarks/end-to-end/SampleDocument.h"
+#include "library/ktAnnotationLegacyLibrary.h"
+#include "migration/ktAnnotationMigration.h"
+#include "platform/annotation/ktCadViewSvgWriter.h"
+#include "platform/system/ktVariantJson.h"
+#include "platform/system/ktVariantListImpl.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <functional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace {
+
+using ktBenchmark::Painter;
+using ktBenchmark::TextWork;
+
+constexpr float sHeadSize = 3.0F;
+
+/// The library's own way, as an application with many documents goes it.
+class Chain {
+public:
+    /// The last view of the document, migrated.
+    kt::ktPointer<kt::ktCadAnnotationView> migrate(const std::string& document) {
+        kt::ktPointer<kt::ktCadAnnotationView> migrated;
+        run(document, [&migrated](const kt::ktPointer<kt::ktCadAnnotationView>& view) { migrated = view; });
+        return migrated;
+    }
+
+    const std::string& draw(const std::string& document) {
+        run(document,
+            [this](const kt::ktPointer<kt::ktCadAnnotationView>& view) { mWriter.write(*view, mFile, mWarnings); });
+        return mFile;
+    }
+
+private:
+    template <typename Finish>
+    void run(const std::string& document, Finish finish) {
+        kt::ktVariant value;
+        kt::ktJsonError error;
+        if (!mReader.parse(std::as_bytes(std::span(document)), value, error)) {
+            fail("the document cannot be read");
+        }
+        for (const kt::ktVariant& element : *value.getList()) {
+            const auto view = ktLegacy::ktAnnotationView::FromVariantMap(*element.getMap(), mMessages);
+            kt::ktPointer<kt::ktCadAnnotationView> migrated;
+            if (!mMigration.migrateAnnotationView(view, migrated)) {
+                fail("the view cannot be migrated");
+            }
+            finish(migrated);
+        }
+        if (!mMessages.empty() || !mWarnings.empty()) {
+            fail("the document is not all well");
+        }
+    }
+
+    [[noreturn]] static void fail(const char* reason) {
+        std::fprintf(stderr, "%s\n", reason);
+        std::exit(1);
+    }
+
+    kt::ktJsonReader mReader;
+    ktLegacy::ktAnnotationMigration mMigration{0, nullptr, nullptr, sHeadSize};
+    kt::ktCadViewSvgWriter mWriter;
+    std::vector<std::string> mMessages;
+    std::vector<std::string> mWarnings;
+    std::string mFile;
+};
+
+double getProcessorTime() {
+    timespec time{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
+/// One of those that are compared.
+struct Contestant {
+    const char* mName;
+    std::function<std::size_t()> mDraw;  ///< gives the number of bytes
+    std::vector<double> mTimes{};
+    std::size_t mBytes = 0;
+
+    void takeTurn() {
+        const double begin = getProcessorTime();
+        mBytes = mDraw();
+        mTimes.push_back(getProcessorTime() - begin);
+    }
+    double getMedian() {
+        const auto middle = mTimes.begin() + std::ssize(mTimes) / 2;
+        std::nth_element(mTimes.begin(), middle, mTimes.end());
+        return *middle;
+    }
+};
+
+void compare(Chain& chain, int annotationCount, int rounds) {
+    const std::string document = ktBenchmark::makeSampleDocument(annotationCount, 1);
+    const ktBenchmark::FlatDrawing drawing = ktBenchmark::flatten(*chain.migrate(document));
+    std::vector<Contestant> contestants{{"JSON to SVG", [&] { return chain.draw(document).size(); }}};
+    std::vector<std::unique_ptr<Painter>> painters;
+    const auto addPainter = [&](const char* name, std::unique_ptr<Painter> painter) {
+        contestants.push_back({name, [raw = painter.get()] { return raw->paint().size(); }});
+        painters.push_back(std::move(painter));
+    };
+#ifdef KT_BENCHMARK_HAS_QT
+    addPainter("Qt, drawing alone", ktBenchmark::createQtPainter(drawing, TextWork::Draw));
+    addPainter("Qt, texts measured", ktBenchmark::createQtPainter(drawing, TextWork::Measure));
+#endif
+#ifdef KT_BENCHMARK_HAS_CAIRO
+    addPainter("Cairo, drawing alone", ktBenchmark::createCairoPainter(drawing, TextWork::Draw));
+    addPainter("Cairo, texts measured", ktBenchmark::createCairoPainter(drawing, TextWork::Measure));
+#endif
+    for (Contestant& contestant : contestants) {
+        contestant.mDraw();
+    }
+    for (int round = 0; round < rounds; ++round) {
+        for (Contestant& contestant : contestants) {
+            contestant.takeTurn();
+        }
+    }
+    std::printf("%d annotations (%zu texts, %zu outlines, %zu lines), %zu bytes of JSON, %d rounds\n", annotationCount,
+                drawing.mTexts.size(), drawing.mOutlines.size(), drawing.mLines.size(), document.size(), rounds);
+    const double own = contestants.front().getMedian();
+    for (Contestant& contestant : contestants) {
+        std::printf("  %-21s %9.3f ms  %8.2f us per annotation  ratio %7.2f  %9zu bytes of SVG\n", contestant.mName,
+                    contestant.getMedian() * 1e3, contestant.getMedian() * 1e6 / annotationCount,
+                    contestant.getMedian() / own, contestant.mBytes);
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    kt::initializeKtAnnotationLegacyLibrary();
+    {
+        Chain chain;
+        if (argc > 1 && std::string(argv[1]) == "--chain") {
+            const std::string document = ktBenchmark::makeSampleDocument(1000, 1);
+            int count = 0;
+            for (const double begin = getProcessorTime(); getProcessorTime() < begin + 5.0; ++count) {
+                chain.draw(document);
+            }
+            std::printf("%.2f us per annotation\n", 5e6 / 1000.0 / count);
+        } else {
+#ifdef KT_BENCHMARK_HAS_QT
+            ktBenchmark::startQt(argc, argv);
+#endif
+            for (const auto& [annotationCount, rounds] :
+                 std::array<std::pair<int, int>, 3>{{{100, 51}, {1000, 15}, {10'000, 3}}}) {
+                compare(chain, annotationCount, rounds);
+            }
+        }
+    }
+    kt::terminateKtAnnotationLegacyLibrary();
+}
