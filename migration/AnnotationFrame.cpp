@@ -20,7 +20,7 @@ using FrameShape = ktAnnotationInterface::FrameShape;
 constexpr float sTipLength = 0.4F;
 
 std::shared_ptr<ItemInterface> makeRectangle(const BoundingBox& box) {
-    return std::make_shared<kt::svg::Rect>(box.getMinPoint(), box.getSize());
+    return migration::makeItem<kt::svg::Rect>(box.getMinPoint(), box.getSize());
 }
 
 std::shared_ptr<ItemInterface> makeClosedPath(const std::vector<Vector2<float>>& points) {

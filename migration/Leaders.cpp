@@ -105,7 +105,7 @@ std::shared_ptr<Node> takeHeadNode(HeadBuilders& builders) {
     if (lines == nullptr && filled == nullptr) {
         return nullptr;
     }
-    auto node = std::make_shared<Node>();
+    auto node = migration::makeItem<Node>();
     if (lines != nullptr) {
         lines->setColor(migration::sNoPaint);
         lines->setStyleOption(ItemInterface::sStyleNonScalingStroke);

@@ -3,11 +3,14 @@
 /// @file
 /// What the sources of the migration share.
 
+#include "platform/system/ktBlockPool.h"
 #include "platform/system/ktLogObject.h"
 #include "platform/wm4/Wm4Vector3.h"
 
 #include <cstddef>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace ktLegacy::migration {
@@ -24,6 +27,12 @@ std::string colorToSvgString(const Wm4::Vector3<unsigned char>& color);
 
 /// Begins a line of the log at the type of all the migration's messages; it is written at the end of the statement.
 kt::ktLogObject logFailure();
+
+/// Makes an item of a drawing. Items are many, are made together and die together, so they come from the block pool.
+template <typename Item, typename... Arguments>
+std::shared_ptr<Item> makeItem(Arguments&&... arguments) {
+    return std::allocate_shared<Item>(kt::ktPoolAllocator<Item>(), std::forward<Arguments>(arguments)...);
+}
 
 /// Makes room for further elements. Unlike a plain reserve it keeps the growth geometric over many calls.
 template <typename Element>

@@ -82,7 +82,7 @@ TextArea convertText(const ktAnnotationText& text, const Wm4::Vector3<unsigned c
 
 bool ktAnnotationMigration::migrateTextAnnotation(const ktAnnotationText* text, kt::svg::Node& parent,
                                                   const Wm4::Vector3<unsigned char>& colour) {
-    auto group = std::make_shared<kt::svg::Node>();
+    auto group = migration::makeItem<kt::svg::Node>();
     group->setColor(migration::colorToSvgString(colour));
     if (!mTextConverter->convertTextAreaToSvg(convertText(*text, colour), *group, nullptr, "dummyTxtBB")) {
         return false;

@@ -277,7 +277,7 @@ bool ktAnnotationMigration::convertOwnContent(OpenAnnotation& annotation) {
         return false;
     }
 
-    created.mRoot = std::make_shared<kt::svg::Node>();
+    created.mRoot = migration::makeItem<kt::svg::Node>();
     created.mRoot->editChildren().reserve(sMaxOwnItems + annotation.mSubAnnotsLeft);
     created.mRoot->setColor(migration::sBlackPaint);
     created.mRoot->setOutlineColor(migration::sBlackPaint);

@@ -3,6 +3,7 @@
 #include "platform/annotation/TextLayout_p.h"
 #include "platform/svg/Rect.h"
 #include "platform/svg/Text.h"
+#include "platform/system/ktBlockPool.h"
 
 #include <algorithm>
 #include <memory>
@@ -26,7 +27,7 @@ std::string toSvgColor(const Wm4::Vector3<unsigned char>& color) {
 /// What the run covers in its item's own frame, y down, relative to its position.
 svg::BoundingBox getItemExtent(const LaidOutRun& run) {
     const RunExtent& extent = run.mExtent;
-    const double size = run.mSize;
+    const auto size = static_cast<double>(run.mSize);
     const double top = std::max(static_cast<double>(run.mMetrics.mAscent), extent.mInkTop) * size;
     const double bottom = std::min(-static_cast<double>(run.mMetrics.mDescent), extent.mInkBottom) * size;
     const double left = std::min(0.0, extent.mInkLeft) * size;
@@ -36,7 +37,8 @@ svg::BoundingBox getItemExtent(const LaidOutRun& run) {
 }
 
 std::shared_ptr<svg::Text> createItem(LaidOutRun& run, double x, double y) {
-    auto item = std::make_shared<svg::Text>();
+    // Texts are many; a drawing's are made together and die together.
+    auto item = std::allocate_shared<svg::Text>(ktPoolAllocator<svg::Text>());
     const Wm4::Vector2<float> position(static_cast<float>(x), static_cast<float>(y));
     item->setText(std::move(run.mText));
     item->setPosition(position);

@@ -323,21 +323,28 @@ void ItemWriter::writePath(const Path& path, const Affine& map, const WriteConte
     mBuffer.append("\"/>\n");
 }
 
-void ItemWriter::appendFont(const Text& text, int decimals) {
-    if (mFont.mSize != text.getSize() || mFont.mDecimals != decimals || mFont.mIsBold != text.isBold() ||
-        mFont.mIsItalic != text.isItalic() || mFont.mFont != text.getFont()) {
-        mFont = {text.getFont(), text.getSize(), decimals, text.isBold(), text.isItalic(), {}};
-        TextBuffer attributes(mFont.mText);
-        attributes.append(" font-family=\"");
-        appendXmlText(attributes, makeFontFamily(text.getFont()), XmlContext::Attribute);
-        attributes.append("\" font-size=\"");
-        attributes.commit(putNumber(attributes.reserve(sNumbersSize), static_cast<double>(text.getSize()), decimals));
-        attributes.append(text.isBold() ? "\" font-weight=\"bold\"" : "\"");
-        attributes.append(text.isItalic() ? " font-style=\"italic\"" : "");
-        attributes.flush();
+const ItemWriter::FontAttributes& ItemWriter::findFont(const Text& text, int decimals) {
+    const auto matches = [&](const FontAttributes& font) {
+        return font.mSize == text.getSize() && font.mDecimals == decimals && font.mIsBold == text.isBold() &&
+               font.mIsItalic == text.isItalic() && font.mFont == text.getFont();
+    };
+    if (const auto found = std::find_if(mFonts.begin(), mFonts.end(), matches); found != mFonts.end()) {
+        return *found;
     }
-    mBuffer.append(mFont.mText);
+    FontAttributes& font = mFonts[mNextFont++ % mFonts.size()];
+    font = {text.getFont(), text.getSize(), decimals, text.isBold(), text.isItalic(), {}};
+    TextBuffer attributes(font.mText);
+    attributes.append(" font-family=\"");
+    appendXmlText(attributes, makeFontFamily(text.getFont()), XmlContext::Attribute);
+    attributes.append("\" font-size=\"");
+    attributes.commit(putNumber(attributes.reserve(sNumbersSize), static_cast<double>(text.getSize()), decimals));
+    attributes.append(text.isBold() ? "\" font-weight=\"bold\"" : "\"");
+    attributes.append(text.isItalic() ? " font-style=\"italic\"" : "");
+    attributes.flush();
+    return font;
 }
+
+void ItemWriter::appendFont(const Text& text, int decimals) { mBuffer.append(findFont(text, decimals).mText); }
 
 void ItemWriter::writeText(const Text& text, const Affine& map, const WriteContext& context) {
     if (text.getText().empty() || !(text.getSize() > 0.0F)) {

@@ -9,6 +9,7 @@
 #include "platform/svg/SvgWriter.h"
 #include "platform/svg/TextBuffer_p.h"
 
+#include <array>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -98,7 +99,7 @@ private:
     std::vector<PlacedGlyph> mPlacedGlyphs;
     std::vector<std::string> mWarnings;
 
-    /// The font attributes written last: most texts of a drawing share them.
+    /// Font attributes as they are written.
     struct FontAttributes {
         std::string mFont;
         float mSize = -1.0F;
@@ -107,7 +108,11 @@ private:
         bool mIsItalic = false;
         std::string mText;
     };
-    FontAttributes mFont;
+    const FontAttributes& findFont(const Text& text, int decimals);
+
+    /// Those of late: the texts of a drawing take turns with a few.
+    std::array<FontAttributes, 8> mFonts;
+    std::size_t mNextFont = 0;
 };
 
 }  // namespace kt::svg

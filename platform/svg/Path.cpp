@@ -5,6 +5,11 @@ namespace kt::svg {
 Path::~Path() = default;
 
 void Path::moveTo(const Wm4::Vector2<float>& point) {
+    if (mCommands.empty()) {
+        // Room for what most paths are: a few corners.
+        mCommands.reserve(8);
+        mPoints.reserve(4);
+    }
     mCommands.push_back(Command::Move);
     mPoints.push_back(point);
 }

@@ -30,7 +30,9 @@ private:
 std::size_t countNestedLeaders(const ktLegacy::ktAnnotationView& view) {
     NestedLeaderCounter counter;
     for (const kt::ktPointer<ktAnnotationInterface>& annotation : view.mAnnotations) {
-        counter.iterateOverAnnotationTree(annotation.get());
+        if (annotation != nullptr && !annotation->getSubAnnots().empty()) {
+            counter.iterateOverAnnotationTree(annotation.get());
+        }
     }
     return counter.getCount();
 }
