@@ -76,6 +76,20 @@ TEST(FallbackTest, HoldsClustersTogether) {
     EXPECT_NE(block.mGlyphs[0].mOutline, layOut("x").mGlyphs.at(0).mOutline);
 }
 
+TEST(FallbackTest, KeepsTheOrderOfFontsInBothDirections) {
+    for (const auto& [family, letter] : {std::pair("Liberation Sans", "A"), std::pair("Noto Sans Hebrew", "ש")}) {
+        const auto properties = makeProperties(family, sSize);
+        const LaidOutText alone(properties, letter);
+        const LaidOutText block(properties, std::string("⌀") + letter);
+        ASSERT_EQ(block.mTexts.size(), 1U);
+        ASSERT_EQ(block.mGlyphs.size(), 2U);
+        const auto found = std::ranges::find(block.mGlyphs, alone.mGlyphs.at(0).mOutline, &svg::PlacedGlyph::mOutline);
+        ASSERT_NE(found, block.mGlyphs.end()) << family;
+        const float before = block.mTexts[0]->isRightToLeft() ? 0.0F : block.mSize.x - alone.mSize.x;
+        EXPECT_NEAR(found->mPosition.x, alone.mGlyphs[0].mPosition.x + before, 1e-5F) << family;
+    }
+}
+
 TEST(FallbackTest, TellsEachSubstitutionOnce) {
     const LogCapture log;
     for (int count = 0; count < 3; ++count) {
