@@ -1,6 +1,6 @@
 #include "tests/migrate/DrawingCheck.h"
-#include "tests/migrate/RunningTool.h"
 #include "tests/migrate/SampleText.h"
+#include "tests/tool/ToolRunner.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,49 +1,49 @@
-#include "tests/tool/TemporaryFolder.h"
 #include "tests/tool/ToolRunner.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <string>
-
 namespace ktannot::test {
 namespace {
 
 using testing::HasSubstr;
+using Words = std::vector<std::string>;
 
 TEST(CommandLine, ExitCodesOfDocuments) {
-    const struct {
-        std::vector<std::string> mInputs;
-        int mExitCode;
-    } cases[] = {
+    const std::string limit = getDocument("huge_leader_count.kts");
+    const std::string missing = getDocument("missing.json");
+    const std::string noView = getDocument("no_annotations.json");
+    const std::vector<std::pair<Words, int>> cases = {
         {{getSample("catalogue_v622.json")}, 0},
+        {{getSample("parts_list_v627.json")}, 0},
         {{getSample("lang_ja_from_doc_v627.kts"), getSample("lang_ar.json")}, 0},
         {{getDocument("several_fields.json")}, 3},
         {{getDocument("link_to_nothing.kts")}, 3},
         {{getDocument("children_not_map.json")}, 3},
-        {{getDocument("no_annotations.json")}, 4},
+        {{noView}, 4},
         {{getDocument("trailing_comma.json")}, 4},
         {{getDocument("header_cut.kts")}, 4},
-        {{getDocument("huge_leader_count.kts")}, 5},
-        {{getDocument("missing.json")}, 6},
-        {{getDocument("no_annotations.json"), getDocument("several_fields.json")}, 4},
-        {{getDocument("huge_leader_count.kts"), getDocument("header_cut.kts")}, 5},
-        {{getDocument("missing.json"), getDocument("huge_leader_count.kts"), getSample("lang_ar.json")}, 6},
+        {{limit}, 5},
+        {{missing}, 6},
+        {{"/proc/self/mem"}, 6},  // opens like any file; reading at its beginning fails
+        {{noView, getDocument("several_fields.json")}, 4},
+        {{limit, getDocument("header_cut.kts")}, 5},
+        {{missing, limit, getSample("lang_ar.json")}, 6},
     };
     for (const char* command : {"check", "inspect"}) {
-        for (const auto& test : cases) {
-            std::vector<std::string> arguments{command};
-            arguments.insert(arguments.end(), test.mInputs.begin(), test.mInputs.end());
-            EXPECT_EQ(runTool(arguments).mExitCode, test.mExitCode) << command << " " << test.mInputs.front();
+        for (const auto& [inputs, exitCode] : cases) {
+            Words arguments{command};
+            arguments.insert(arguments.end(), inputs.begin(), inputs.end());
+            const ToolResult result = runTool(arguments);
+            EXPECT_EQ(result.mExitCode, exitCode) << command << " " << inputs.front();
+            EXPECT_TRUE(exitCode != 0 || result.mError.empty()) << result.mError;
         }
     }
+    EXPECT_THAT(runTool({"check", "/proc/self/mem"}).mOut, HasSubstr("/proc/self/mem: cannot be read: "));
 }
 
 TEST(CommandLine, WrongUsageDoesNothingAndSaysWhy) {
-    const struct {
-        std::vector<std::string> mArguments;
-        const char* mMessage;
-    } cases[] = {
+    const std::vector<std::pair<Words, const char*>> cases = {
         {{}, "a command is missing"},
         {{"explode"}, "'explode' is no command"},
         {{"--explode"}, "'--explode' is no command"},
@@ -54,28 +54,29 @@ TEST(CommandLine, WrongUsageDoesNothingAndSaysWhy) {
         {{"version", "x"}, "x"},
         {{"inspect", "--\x1b", "x"}, "\\x1b"},
     };
-    for (const auto& test : cases) {
-        const ToolResult result = runTool(test.mArguments);
-        EXPECT_EQ(result.mExitCode, 2) << test.mMessage;
-        EXPECT_EQ(result.mOut, "") << test.mMessage;
-        EXPECT_THAT(result.mError, HasSubstr(test.mMessage));
+    for (const auto& [arguments, message] : cases) {
+        const ToolResult result = runTool(arguments);
+        EXPECT_EQ(result.mExitCode, 2) << message;
+        EXPECT_EQ(result.mOut, "") << message;
+        EXPECT_THAT(result.mError, HasSubstr(message));
     }
 }
 
-TEST(CommandLine, HelpTeachesByExample) {
-    for (const std::string command : {"", "inspect", "check", "version"}) {
-        const ToolResult result =
-            runTool(command.empty() ? std::vector<std::string>{"--help"} : std::vector<std::string>{command, "--help"});
-        EXPECT_EQ(result.mExitCode, 0);
+TEST(CommandLine, HelpTeachesByExampleAndVersionNamesTheLibrary) {
+    const char* version = "libktAnnotationLegacy 3.0.0.1226 #0f14611422dbde61 2025-12\n";
+    const char* examples = "Examples:";
+    const std::vector<std::pair<Words, const char*>> cases = {
+        {{"--help"}, examples},          {{"inspect", "--help"}, examples},
+        {{"check", "--help"}, examples}, {{"version", "--help"}, "version"},
+        {{"version"}, version},          {{"--version"}, version},
+    };
+    for (const auto& [arguments, told] : cases) {
+        const ToolResult result = runTool(arguments);
+        EXPECT_EQ(result.mExitCode, 0) << arguments.front();
         EXPECT_EQ(result.mError, "");
-        EXPECT_THAT(result.mOut, HasSubstr(command == "version" ? "version" : "Examples:"));
+        EXPECT_THAT(result.mOut, HasSubstr(told));
     }
-}
-
-TEST(CommandLine, VersionNamesTheLibrary) {
-    const ToolResult result = runTool({"version"});
-    EXPECT_THAT(result.mOut, HasSubstr("libktAnnotationLegacy 3.0.0.1226 #0f14611422dbde61 2025-12\n"));
-    EXPECT_EQ(runTool({"--version"}).mOut, result.mOut);
+    EXPECT_EQ(runTool({"--version"}).mOut, runTool({"version"}).mOut);
 }
 
 TEST(CommandLine, WordsOfCommandsCanBeInputs) {
@@ -84,24 +85,14 @@ TEST(CommandLine, WordsOfCommandsCanBeInputs) {
 }
 
 TEST(CommandLine, OutputThatFailsIsAFailureOfTheEnvironment) {
-    ToolRun full;
-    full.mArguments = {"inspect", "--json", getSample("lang_ar.json")};
-    full.mOutputPath = "/dev/full";
-    EXPECT_EQ(runTool(full).mExitCode, 6);
-    EXPECT_THAT(runTool(full).mError, HasSubstr("No space left"));
-    ToolRun left;
-    left.mArguments = {"inspect", "--json", getSample("parts_list_v627.json"), getSample("parts_list_v627.json")};
-    left.mIsOutputClosedPipe = true;
-    const ToolResult result = runTool(left);
-    EXPECT_EQ(result.mExitCode, 6);
-    EXPECT_EQ(result.mError, "");
-}
-
-TEST(CommandLine, FilesThatFailWhileReadAreAFailureOfTheEnvironment) {
-    // It opens like any file; reading at its beginning fails.
-    const ToolResult result = runTool({"check", "/proc/self/mem"});
-    EXPECT_EQ(result.mExitCode, 6);
-    EXPECT_THAT(result.mOut, HasSubstr("/proc/self/mem: cannot be read: "));
+    const std::string sample = getSample("parts_list_v627.json");
+    const ToolResult full = runTool(ToolRun{.mArguments = {"inspect", "--json", sample}, .mOutputPath = "/dev/full"});
+    EXPECT_EQ(full.mExitCode, 6);
+    EXPECT_THAT(full.mError, HasSubstr("No space left"));
+    const ToolResult left =
+        runTool(ToolRun{.mArguments = {"inspect", "--json", sample, sample}, .mIsOutputClosedPipe = true});
+    EXPECT_EQ(left.mExitCode, 6);
+    EXPECT_EQ(left.mError, "");
 }
 
 }  // namespace

@@ -1,33 +1,20 @@
-#include "tests/tool/TemporaryFolder.h"
 #include "tests/tool/ToolRunner.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
-#include <fstream>
 #include <sstream>
-#include <string>
 
 namespace ktannot::test {
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
-ToolResult inspectText(const std::string& document, std::vector<std::string> options) {
-    ToolRun run;
-    run.mArguments = {"inspect", "-"};
-    run.mArguments.insert(run.mArguments.end(), options.begin(), options.end());
-    run.mInput = document;
-    return runTool(run);
-}
-
-/// A binary document whose view named "front" bears other five bytes as its name.
-std::string renameView(const std::string& name) {
-    std::ostringstream content;
-    content << std::ifstream(getDocument("link_to_nothing.kts"), std::ios::binary).rdbuf();
-    std::string bytes = content.str();
-    return bytes.replace(bytes.find("front"), 5, name);
+ToolResult inspectText(const std::string& document, const std::string& option = "--color=auto") {
+    return runTool(ToolRun{.mArguments = {"inspect", "-", option}, .mInput = document});
 }
 
 TEST(InspectCommand, JsonHoldsEveryMember) {
@@ -41,7 +28,7 @@ TEST(InspectCommand, JsonHoldsEveryMember) {
            "lines":[[{"text":"a"},{"text":"2","type":"sup","italic":true}],[]],
            "children":[{"type":"raster","anchorloc":"tl","rastername":"p.png","sizeem":[2,0.5],"metadata":{"k":1}}]}
         ]},{"ver":"6.16"}])";
-    const ToolResult result = inspectText(document, {"--json"});
+    const ToolResult result = inspectText(document, "--json");
     EXPECT_EQ(
         result.mOut,
         R"({"source": "-", "kind": "variant", "streamError": false, "messages": ["invalid version 6.16"], "problems": [], )"
@@ -73,35 +60,37 @@ TEST(InspectCommand, JsonOfABinaryDocument) {
     EXPECT_EQ(result.mExitCode, 3);
 }
 
-TEST(InspectCommand, BytesThatAreNoTextAreTold) {
-    const ToolResult json = inspectText(renameView("fr\xffnt"), {"--json"});
-    EXPECT_THAT(json.mOut, HasSubstr(R"("name": {"bytes": "6672ff6e74"})"));
-    const ToolResult tree = inspectText(renameView("fr\xffnt"), {});
-    EXPECT_THAT(tree.mOut, HasSubstr("'fr\\xffnt'"));
-}
-
-TEST(InspectCommand, ControlCharactersNeverReachTheTerminal) {
-    const std::string name = "\x1b[2J\r";
-    for (const std::vector<std::string>& options : {std::vector<std::string>{}, {"--json"}, {"--color=never"}}) {
-        const ToolResult result = inspectText(renameView(name), options);
-        EXPECT_THAT(result.mOut + result.mError, Not(HasSubstr("\x1b")));
-        EXPECT_THAT(result.mOut + result.mError, Not(HasSubstr("\r")));
+TEST(InspectCommand, BytesThatAreNoTextAreToldAndControlCharactersNeverReachTheTerminal) {
+    const struct {
+        const char* mOption;
+        std::string mName;
+        const char* mShown;
+    } cases[] = {
+        {"--color=auto", "fr\xffnt", R"('fr\xffnt')"},      {"--json", "fr\xffnt", R"({"bytes": "6672ff6e74"})"},
+        {"--color=auto", "\x1b[2J\r", R"('\x1b[2J\x0d')"},  {"--json", "\x1b[2J\r", R"("\u001b[2J\r")"},
+        {"--color=never", "\x1b[2J\r", R"('\x1b[2J\x0d')"},
+    };
+    for (const auto& [option, name, shown] : cases) {
+        std::string document = readFile(getDocument("link_to_nothing.kts"));
+        document.replace(document.find("front"), 5, name);  // the name of a view
+        const ToolResult result = inspectText(document, option);
+        EXPECT_THAT(result.mOut, HasSubstr(shown));
+        EXPECT_THAT(result.mOut + result.mError, AllOf(Not(HasSubstr("\x1b")), Not(HasSubstr("\r"))));
     }
-    const ToolResult message = inspectText(R"({"ver":"6\u001b\u202e"})", {});
-    EXPECT_THAT(message.mOut, HasSubstr("invalid version 6\\x1b\\u202e"));
+    EXPECT_THAT(inspectText(R"({"ver":"6\u001b\u202e"})").mOut, HasSubstr("invalid version 6\\x1b\\u202e"));
     // Names of files are foreign, too.
-    const ToolResult missing = runTool({"inspect", "\x1b[31mmissing"});
-    EXPECT_THAT(missing.mError, testing::AllOf(HasSubstr("\\x1b[31mmissing"), Not(HasSubstr("\x1b"))));
+    EXPECT_THAT(runTool({"inspect", "\x1b[31mmissing"}).mError,
+                AllOf(HasSubstr("\\x1b[31mmissing"), Not(HasSubstr("\x1b"))));
 }
 
 TEST(InspectCommand, TreeShowsChildrenIndentedAndProblemsInPlace) {
     const ToolResult result = inspectText(R"([{"ver":"6.22","name":"v","origin":7,"annotations":[
         {"type":"text","name":"a","text":"one\ntwo","leaders":[{"pos":[1,2,3],"head":"plus"}],
          "children":[{"type":"raster","name":"b","anchorloc":"rc","rastername":"p"}]},
-        {"type":"text","frameshape":"flagleft"}, 5]}, {}])",
-                                          {});
+        {"type":"text","frameshape":"flagleft"}, 5]}, {},
+        {"ver":"6.20","name":"top","textannotations":[{},1,2],"rasterannotations":[{"sizeem":1}]}])");
     EXPECT_EQ(result.mOut,
-              "-  variant document, 1 view, 2 annotations (and 1 child)\n"
+              "-  variant document, 2 views, 3 annotations (and 1 child)\n"
               "├─ view 1 'v'  version 6.22  origin (0, 0, 0)  normal (0, 0, 1)  axis (1, 0, 0)\n"
               "│  ├─ text 'a' at (0, 0, 0)  rectangle  #ffffff  \"one / two\"\n"
               "│  │  ├─ leader to (1, 2, 3)  plus\n"
@@ -110,30 +99,37 @@ TEST(InspectCommand, TreeShowsChildrenIndentedAndProblemsInPlace) {
               "│  ├─ ! invalid 'origin' field\n"
               "│  ├─ ! invalid 'annotations' field content\n"
               "│  └─ ! 1 of 3 annotations of view 'v' could not be read\n"
-              "└─ view 2 could not be made\n"
-              "   └─ ! invalid version \n");
+              "├─ view 2 could not be made\n"
+              "│  └─ ! invalid version \n"
+              "└─ view 3 'top'  version 6.20  origin (0, 0, 0)  normal (0, 0, 1)  axis (1, 0, 0)\n"
+              "   ├─ text '' at (0, 0, 0)  rectangle  #ffffff  without text\n"
+              "   ├─ ! invalid 'annotations' field content\n"
+              "   ├─ ! invalid 'annotations' field content\n"
+              "   ├─ ! invalid 'sizeem' field\n"
+              "   └─ ! 3 of 4 annotations of view 'top' could not be read\n");
     EXPECT_EQ(result.mExitCode, 4);
 }
 
-TEST(InspectCommand, DeepTreesStayReadable) {
-    const ToolResult result = runTool({"inspect", getSample("parts_list_v627.json")});
-    EXPECT_EQ(result.mExitCode, 0);
-    EXPECT_EQ(result.mError, "");
-    std::string document = R"({"ver":"6.22","annotations":[)";
-    std::string end;
-    for (int level = 0; level < 512; ++level) {
-        document += R"({"type":"text","children":[)";
-        end += "]}";
-    }
-    const ToolResult deep = inspectText(document + end + "]}", {});
-    EXPECT_EQ(deep.mExitCode, 0);
-    EXPECT_THAT(deep.mOut, HasSubstr("[level 513] "));
-    EXPECT_LT(deep.mOut.size(), 512U * 400);
+TEST(InspectCommand, TreesStayReadableToTheDeepestLevel) {
+    const auto inspectNested = [](int levels) {
+        std::string json;
+        for (int level = 0; level < levels; ++level) {
+            json = R"({"type":"text","children":[)" + json + "]}";
+        }
+        return inspectText(R"({"ver":"6.22","annotations":[)" + json + "]}");
+    };
+    const ToolResult whole = inspectNested(512);
+    EXPECT_EQ(whole.mExitCode, 0);
+    EXPECT_EQ(whole.mError, "");
+    EXPECT_NE(whole.mOut.find("[level 513] "), std::string::npos);
+    EXPECT_LT(whole.mOut.size(), 512U * 400);
+    const ToolResult cut = inspectNested(513);
+    EXPECT_EQ(cut.mExitCode, 5);
+    EXPECT_THAT(cut.mError, HasSubstr("512 levels"));
 }
 
 TEST(InspectCommand, ColourIsForTerminalsUnlessAskedFor) {
     const std::string path = getSample("symbols_from_617_v615.kts");
-    const std::string escape = "\x1b[";
     const struct {
         bool mIsTerminal;
         const char* mNoColor;
@@ -143,31 +139,42 @@ TEST(InspectCommand, ColourIsForTerminalsUnlessAskedFor) {
         {false, "", "--color=auto", false},  {true, "", "--color=auto", true},   {true, "1", "--color=auto", false},
         {true, "1", "--color=always", true}, {true, "", "--color=never", false}, {false, "", "--color=always", true},
     };
-    for (const auto& test : cases) {
-        ToolRun run;
-        run.mArguments = {"inspect", test.mOption, path};
-        run.mEnvironment = {{"NO_COLOR", test.mNoColor}, {"TERM", "xterm"}};
-        run.mIsTerminal = test.mIsTerminal;
-        const ToolResult result = runTool(run);
-        EXPECT_EQ(result.mOut.find(escape) != std::string::npos, test.mIsColored)
-            << test.mIsTerminal << test.mNoColor << test.mOption;
+    for (const auto& [isTerminal, noColor, option, isColored] : cases) {
+        const ToolResult result = runTool(ToolRun{
+            .mArguments = {"inspect", option, path},
+            .mEnvironment = {{"NO_COLOR", noColor}, {"TERM", "xterm"}},
+            .mIsTerminal = isTerminal,
+        });
+        EXPECT_EQ(result.mOut.find("\x1b[") != std::string::npos, isColored) << isTerminal << noColor << option;
         EXPECT_EQ(result.mExitCode, 0);
     }
 }
 
-TEST(InspectCommand, EachInputIsOneLineInOrder) {
+TEST(InspectCommand, EachInputIsOneLineFoldersInByteOrder) {
+    const TemporaryFolder elsewhere;
     const TemporaryFolder folder;
-    folder.write("in/b.json", R"({"ver":"6.22","annotations":[]})");
-    folder.write("in/a.kts", "KTSTREAM");
-    folder.write("in/settings.json", "{}");
-    const ToolResult result = runTool({"inspect", "--json", folder.at("missing"), folder.at("in")});
-    std::istringstream lines(result.mOut);
-    std::vector<std::string> starts;
-    for (std::string line; std::getline(lines, line);) {
-        starts.push_back(line.substr(0, line.find(", \"", 12)));
+    const std::string file = folder.write("z.txt", "{}");
+    elsewhere.write("secret.kts", "");
+    for (const char* name : {"b.kts", "B.kts", "a/z.json", "a/b/c.kts", "settings.json", "notes.txt", "kts", "x.KTS"}) {
+        folder.write(std::string("in/") + name, "{}");
     }
-    const std::string start = "{\"source\": \"" + folder.getPath();
-    EXPECT_THAT(starts, testing::ElementsAre(start + "/missing\"", start + "/in/a.kts\"", start + "/in/b.json\""));
+    folder.write("in/a.json", R"({"ver":"6.22","annotations":[]})");
+    folder.write("in/ä.json", "");
+    // Links are not followed, nor pipes opened.
+    std::filesystem::create_directory_symlink(elsewhere.getPath(), folder.at("in/linked"));
+    std::filesystem::create_symlink(elsewhere.at("secret.kts"), folder.at("in/link.kts"));
+    std::filesystem::create_directory_symlink(folder.getPath(), folder.at("in/loop"));
+    ASSERT_EQ(mkfifo(folder.at("in/pipe.kts").c_str(), 0600), 0);
+
+    const ToolResult result = runTool({"inspect", "--json", file, folder.at("missing"), "-", folder.at("in/"), file});
+    std::istringstream lines(result.mOut);
+    std::vector<std::string> sources;
+    for (std::string line; std::getline(lines, line);) {
+        const std::string path = line.substr(12, line.find('"', 12) - 12);
+        sources.push_back(path.starts_with(folder.getPath()) ? path.substr(folder.getPath().size()) : path);
+    }
+    EXPECT_THAT(sources, testing::ElementsAre("/z.txt", "/missing", "-", "/in/B.kts", "/in/a.json", "/in/a/b/c.kts",
+                                              "/in/b.kts", "/in/ä.json", "/z.txt"));
     EXPECT_THAT(result.mOut, HasSubstr(R"("refused": "cannot be read: No such file or directory"})"));
     EXPECT_EQ(result.mExitCode, 6);
 }

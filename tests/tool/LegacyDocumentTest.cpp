@@ -1,5 +1,4 @@
 #include "library/ktAnnotationLegacyLibrary.h"
-#include "platform/system/ktLimits.h"
 #include "tests/system/ByteWriter.h"
 #include "tests/tool/TemporaryFolder.h"
 #include "tools/ktannot/LegacyDocument.h"
@@ -8,9 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <initializer_list>
-#include <span>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace ktannot {
@@ -20,110 +17,68 @@ using State = LegacyDocument::State;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-constexpr std::uint32_t sVersion6_27 = 0x6001B;
-
 class LegacyDocumentTest : public testing::Test {
 protected:
     LegacyDocumentTest() { kt::initializeKtAnnotationLegacyLibrary(); }
     ~LegacyDocumentTest() override { kt::terminateKtAnnotationLegacyLibrary(); }
 
-    static LegacyDocument load(const std::string& bytes) {
-        return LegacyDocument::load("test", std::as_bytes(std::span(bytes)));
-    }
+    static LegacyDocument load(const ByteWriter& file) { return LegacyDocument::load("test", file.bytes()); }
 };
 
-std::string makeViewBody(const std::string& name, const std::string& texts = {}, std::uint32_t textCount = 0) {
-    ByteWriter body;
-    body.text(name);
-    for (int number = 0; number < 9; ++number) {
-        body.u32(0);
-    }
-    return body.u32(textCount).u32(0).raw(texts).u32(0).str();
+std::string makeRecord(const std::string& type, std::uint32_t id, const std::string& body) {
+    return ByteWriter().text("ktCore.kt" + type).u32(id).u64(body.size()).raw(body).str();
 }
 
-std::string makeMetadataBody(std::initializer_list<std::uint32_t> links) {
-    ByteWriter body;
-    body.text("").u32(5).u32(static_cast<std::uint32_t>(links.size()));
-    for (const std::uint32_t link : links) {
-        body.u32(link);
-    }
-    return body.str();
+/// A view without annotations. Of a damaged one the end is missing.
+std::string makeView(std::uint32_t id, const std::string& name, bool isDamaged = false) {
+    const std::size_t rest = isDamaged ? 20 : 9 * 4 + 2 * 4 + 4;  // plane, two counts, empty map
+    return makeRecord("AnnotationView", id, ByteWriter().text(name).raw(std::string(rest, '\0')).str());
 }
 
-struct Record {
-    std::string mType;
-    std::uint32_t mId;
-    std::string mBody;
-};
+std::string makeMetadata(std::uint32_t id, std::initializer_list<std::uint32_t> views) {
+    ByteWriter body;
+    body.text("").u32(5).u32(static_cast<std::uint32_t>(views.size()));
+    for (const std::uint32_t view : views) {
+        body.u32(view);
+    }
+    return makeRecord("AnnotationMetadata", id, body.str());
+}
 
-const std::string sView = "ktCore.ktAnnotationView";
-const std::string sMetadata = "ktCore.ktAnnotationMetadata";
-
-std::string makeStream(const std::vector<Record>& records) {
+ByteWriter makeStream(std::initializer_list<std::string> records) {
     ByteWriter file;
-    file.raw("KTSTREAM").u32(sVersion6_27).u32(static_cast<std::uint32_t>(records.size()));
-    for (const Record& record : records) {
-        file.text(record.mType).u32(record.mId).u64(record.mBody.size()).raw(record.mBody);
+    file.raw("KTSTREAM").u32(0x6001B).u32(static_cast<std::uint32_t>(records.size()));  // version 6.27
+    for (const std::string& record : records) {
+        file.raw(record);
     }
-    return file.str();
+    return file;
 }
 
-std::vector<std::string> getViewNames(const LegacyDocument& document) {
+TEST_F(LegacyDocumentTest, ListedViewsComeFirstAndEachOnce) {
+    const LegacyDocument document = load(makeStream({
+        makeView(10, "unlisted"),
+        makeView(11, "a"),
+        makeMetadata(1, {12, 0, 11, 12}),
+        makeView(12, "b"),
+        makeMetadata(2, {11, 13}),
+        makeView(13, "c"),
+        makeView(14, "also unlisted"),
+    }));
     std::vector<std::string> names;
     for (const LegacyDocument::View& view : document.getViews()) {
         names.push_back(view.mView ? view.mView->mName : "(none)");
     }
-    return names;
-}
-
-/// A text annotation of a stream that holds levels - 1 further ones within each other.
-std::string makeNestedText(int levels) {
-    ByteWriter front;
-    ByteWriter back;
-    for (int level = 1; level <= levels; ++level) {
-        front.text("").u32(0).u32(0);                        // name, leaders, measure leaders
-        front.u32(0).u32(0).u32(0).u8(0).u8(0).u8(0).u8(0);  // position, colour, flags
-        front.u32(level < levels ? 1 : 0);                   // children
-        if (level < levels) {
-            front.u8(1).u8(1);  // anchor, type
-        }
-        back.u32(0).text("").u32(0).u32(0);  // metadata, font, height with style, lines
-    }
-    return front.raw(back.str()).str();
-}
-
-/// A view map with annotations within each other.
-std::string makeNestedMap(int levels) {
-    std::string json = R"({"ver":"6.22","annotations":[)";
-    for (int level = 1; level < levels; ++level) {
-        json += R"({"type":"text","children":[)";
-    }
-    json += R"({"type":"text"})";
-    for (int level = 1; level < levels; ++level) {
-        json += "]}";
-    }
-    return json + "]}";
-}
-
-TEST_F(LegacyDocumentTest, ListedViewsComeFirstAndEachOnce) {
-    const std::string stream = makeStream({{sView, 10, makeViewBody("unlisted")},
-                                           {sView, 11, makeViewBody("a")},
-                                           {sMetadata, 1, makeMetadataBody({12, 0, 11, 12})},
-                                           {sView, 12, makeViewBody("b")},
-                                           {sMetadata, 2, makeMetadataBody({11, 13})},
-                                           {sView, 13, makeViewBody("c")},
-                                           {sView, 14, makeViewBody("also unlisted")}});
-    const LegacyDocument document = load(stream);
-    EXPECT_THAT(getViewNames(document), ElementsAre("b", "a", "c", "unlisted", "also unlisted"));
+    EXPECT_THAT(names, ElementsAre("b", "a", "c", "unlisted", "also unlisted"));
     EXPECT_EQ(document.getOutcome(), ExitCode::AllWell);
     EXPECT_EQ(document.getVersion(), "6.27");
 }
 
 TEST_F(LegacyDocumentTest, ProblemsKnowTheirView) {
-    const LegacyDocument document = load(makeStream({{sView, 4, makeViewBody("whole")},
-                                                     {"ktCore.ktOther", 5, "?"},
-                                                     {sView, 6, makeViewBody("cut").substr(0, 30)},
-                                                     {sMetadata, 1, makeMetadataBody({6, 4})}}));
+    const LegacyDocument document = load(makeStream({
+        makeView(4, "whole"),
+        makeRecord("Other", 5, "?"),
+        makeView(6, "cut", true),
+        makeMetadata(1, {6, 4}),
+    }));
     ASSERT_EQ(document.getProblems().size(), 2U);
     EXPECT_EQ(document.getProblems()[0].mObject, 5U);
     EXPECT_EQ(document.getProblems()[0].mView, std::nullopt);
@@ -136,98 +91,39 @@ TEST_F(LegacyDocumentTest, ProblemsKnowTheirView) {
 TEST_F(LegacyDocumentTest, OutcomesOfVariantDocuments) {
     const struct {
         const char* mJson;
-        State mState;
         ExitCode mOutcome;
+        const char* mReason;    ///< of the refusal; empty when there is none
+        State mStateInFolders;  ///< as a file that was found by its suffix
     } cases[] = {
-        {R"([])", State::Loaded, ExitCode::AllWell},
-        {"\xEF\xBB\xBF [ ]", State::Loaded, ExitCode::AllWell},
-        {R"({"ver":"6.22","annotations":[]})", State::Loaded, ExitCode::AllWell},
-        {R"({"ver":"6.22","origin":1,"annotations":[]})", State::Loaded, ExitCode::WithProblems},
-        {R"({"ver":"6.22","annotations":[{"type":"text","children":[1]}]})", State::Loaded, ExitCode::WithProblems},
-        {R"({})", State::Loaded, ExitCode::Refused},
-        {R"([1])", State::Loaded, ExitCode::Refused},
-        {R"([{"ver":"6.22","annotations":[]},{"ver":"6.16"}])", State::Loaded, ExitCode::Refused},
-        {R"(42)", State::Refused, ExitCode::Refused},
-        {R"({)", State::Refused, ExitCode::Refused},
-        {"", State::Refused, ExitCode::Refused},
-        {"KTSTREAM", State::Refused, ExitCode::Refused},
+        {"[]", ExitCode::AllWell, "", State::Skipped},
+        {"\xEF\xBB\xBF [ ]", ExitCode::AllWell, "", State::Skipped},
+        {R"({"ver":"6.22","annotations":[]})", ExitCode::AllWell, "", State::Loaded},
+        {R"({"ver":"6.22","annotations":[{"type":"text","children":[1]}]})", ExitCode::WithProblems, "", State::Loaded},
+        {R"({"name":"settings"})", ExitCode::Refused, "", State::Skipped},
+        {R"({"ver":5})", ExitCode::Refused, "", State::Loaded},
+        {R"([1,{"version":2}])", ExitCode::Refused, "", State::Skipped},
+        {R"([1,{"ver":"6.22","annotations":[]}])", ExitCode::Refused, "", State::Loaded},
+        {R"([{"ver":"6.22","annotations":[]},{"ver":"6.16"}])", ExitCode::Refused, "", State::Loaded},
+        {"42", ExitCode::Refused, "line 1, column 1: the document is a single value", State::Skipped},
+        {R"("ver")", ExitCode::Refused, "line 1, column 1: the document is a single value", State::Skipped},
+        {"{\"ver\": \"6.22\",\n  oops}", ExitCode::Refused, "line 2, column 3 (byte 18)", State::Refused},
+        {"", ExitCode::Refused, "empty", State::Refused},
+        {"\x89PNG", ExitCode::Refused, "neither", State::Refused},
+        {"KTSTREAM", ExitCode::Refused, "it has 8 bytes, the header alone takes 16; get a whole copy", State::Refused},
     };
-    for (const auto& test : cases) {
-        const LegacyDocument document = load(test.mJson);
-        EXPECT_EQ(document.getState(), test.mState) << test.mJson;
-        EXPECT_EQ(document.getOutcome(), test.mOutcome) << test.mJson;
-        EXPECT_EQ(document.getReason().empty(), test.mState == State::Loaded) << test.mJson;
-    }
-}
-
-TEST_F(LegacyDocumentTest, RefusalsNamePlaceAndRemedy) {
-    EXPECT_THAT(load("{\"ver\": \"6.22\",\n  oops}").getReason(),
-                testing::AllOf(HasSubstr("line 2, column 3"), HasSubstr("byte 18"), HasSubstr("export")));
-    EXPECT_THAT(load("\x89PNG").getReason(), HasSubstr("neither"));
-    EXPECT_THAT(load("KTSTREAM").getReason(), testing::AllOf(HasSubstr("8 bytes"), HasSubstr("whole copy")));
-}
-
-TEST_F(LegacyDocumentTest, LostAnnotationsAreAProblemOfTheirView) {
-    const LegacyDocument document = load(R"([
-        {"ver":"6.22","annotations":[]},
-        {"ver":"6.20","name":"top","textannotations":[{},1,2],"rasterannotations":[{"sizeem":1}]}])");
-    ASSERT_EQ(document.getProblems().size(), 1U);
-    EXPECT_EQ(document.getProblems()[0].mWhat, "3 of 4 annotations of view 'top' could not be read");
-    EXPECT_EQ(document.getProblems()[0].mView, 1U);
-    EXPECT_EQ(document.getViews()[0].mMessagesEnd, 0U);
-    EXPECT_EQ(document.getViews()[1].mMessagesBegin, 0U);
-    EXPECT_EQ(document.getViews()[1].mMessagesEnd, document.getMessages().size());
-    EXPECT_EQ(document.getViews()[1].mVersion, "6.20");
-}
-
-TEST_F(LegacyDocumentTest, NestingLimitIsNamedOnlyWhenSomethingIsLost) {
-    const int limit = kt::sMaxAnnotationDepth;
-    for (const bool isStream : {false, true}) {
-        const auto make = [isStream](int levels) {
-            return isStream ? makeStream({{sView, 1, makeViewBody("deep", makeNestedText(levels), 1)}})
-                            : makeNestedMap(levels);
-        };
-        const LegacyDocument whole = load(make(limit));
-        EXPECT_EQ(whole.getOutcome(), ExitCode::AllWell);
-        EXPECT_EQ(whole.getLimit(), "");
-        const LegacyDocument cut = load(make(limit + 1));
-        EXPECT_EQ(cut.getOutcome(), ExitCode::LimitReached);
-        EXPECT_THAT(cut.getLimit(), HasSubstr("512 levels"));
-    }
-}
-
-TEST_F(LegacyDocumentTest, JsonFilesOfFoldersWithoutAViewMapAreSkipped) {
     const test::TemporaryFolder folder;
-    const struct {
-        const char* mJson;
-        State mState;
-    } cases[] = {
-        {R"({"name":"settings"})", State::Skipped},
-        {R"([])", State::Skipped},
-        {R"([1,{"version":2}])", State::Skipped},
-        {R"("ver")", State::Skipped},
-        {R"({"ver":5})", State::Loaded},
-        {R"([1,{"ver":"6.22","annotations":[]}])", State::Loaded},
-        {R"({"ver")", State::Refused},
-    };
-    for (const auto& test : cases) {
+    for (const auto& [json, outcome, reason, stateInFolders] : cases) {
+        SCOPED_TRACE(json);
         Input input;
-        input.mSource = input.mPath = folder.write("x.json", test.mJson);
-        EXPECT_NE(LegacyDocument::load(input).getState(), State::Skipped) << test.mJson;
+        input.mSource = input.mPath = folder.write("x.json", json);
+        const LegacyDocument document = LegacyDocument::load(input);
+        EXPECT_EQ(document.getState(), *reason == '\0' ? State::Loaded : State::Refused);
+        EXPECT_EQ(document.getOutcome(), outcome);
+        EXPECT_EQ(document.getReason().empty(), *reason == '\0');
+        EXPECT_THAT(document.getReason(), HasSubstr(reason));
         input.mIsJsonFromFolder = true;
-        EXPECT_EQ(LegacyDocument::load(input).getState(), test.mState) << test.mJson;
+        EXPECT_EQ(LegacyDocument::load(input).getState(), stateInFolders);
     }
-}
-
-TEST_F(LegacyDocumentTest, MemoryLimitBoundsBothForms) {
-    const test::TemporaryFolder folder;
-    Input input;
-    input.mSource = input.mPath = folder.write("x.json", makeNestedMap(100));
-    EXPECT_EQ(LegacyDocument::load(input, 1U << 30U).getOutcome(), ExitCode::AllWell);
-    EXPECT_EQ(LegacyDocument::load(input, 1000).getOutcome(), ExitCode::LimitReached);
-    input.mSource = input.mPath = folder.write("x.kts", makeStream({{sView, 1, makeViewBody(std::string(9000, 'n'))}}));
-    EXPECT_EQ(LegacyDocument::load(input, 1U << 30U).getOutcome(), ExitCode::AllWell);
-    EXPECT_EQ(LegacyDocument::load(input, 1000).getOutcome(), ExitCode::LimitReached);
 }
 
 }  // namespace

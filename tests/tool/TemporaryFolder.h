@@ -8,10 +8,18 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 
 namespace ktannot::test {
+
+/// The content of a file; empty when there is none.
+inline std::string readFile(const std::string& path) {
+    std::ostringstream content;
+    content << std::ifstream(path, std::ios::binary).rdbuf();
+    return content.str();
+}
 
 /// A folder of its own for a test, removed at the end.
 class TemporaryFolder {

@@ -1,7 +1,5 @@
 #include "tests/tool/ToolRunner.h"
 
-#include "tests/tool/TemporaryFolder.h"
-
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pty.h>
@@ -10,17 +8,10 @@
 
 #include <array>
 #include <csignal>
-#include <sstream>
 
 namespace ktannot::test {
 
 namespace {
-
-std::string readFile(const std::string& path) {
-    std::ostringstream content;
-    content << std::ifstream(path, std::ios::binary).rdbuf();
-    return content.str();
-}
 
 /// What the other side of a terminal shows until it is hung up.
 std::string readTerminal(int descriptor) {
@@ -32,10 +23,7 @@ std::string readTerminal(int descriptor) {
     return text;
 }
 
-[[noreturn]] void runChild(const ToolRun& run, int in, int out, int error) {
-    dup2(in, STDIN_FILENO);
-    dup2(out, STDOUT_FILENO);
-    dup2(error, STDERR_FILENO);
+[[noreturn]] void runChild(const ToolRun& run) {
     for (const auto& [name, value] : run.mEnvironment) {
         setenv(name.c_str(), value.c_str(), 1);
     }
@@ -50,53 +38,55 @@ std::string readTerminal(int descriptor) {
 
 }  // namespace
 
-ToolResult runTool(const ToolRun& run) {
-    const TemporaryFolder folder;
-    const std::string outputPath = run.mOutputPath.empty() ? folder.at("out") : run.mOutputPath;
-    const int in = open(folder.write("in", run.mInput).c_str(), O_RDONLY | O_CLOEXEC);
-    const int error = open(folder.at("error").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    int terminal = -1;
-    int out = -1;
-    if (run.mIsTerminal) {
-        EXPECT_EQ(openpty(&terminal, &out, nullptr, nullptr, nullptr), 0);
-    } else if (run.mIsOutputClosedPipe) {
-        std::array<int, 2> pipe{};
-        EXPECT_EQ(pipe2(pipe.data(), O_CLOEXEC), 0);
-        close(pipe[0]);
-        out = pipe[1];
-    } else {
-        out = open(outputPath.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
-    }
-    const pid_t child = fork();
-    if (child == 0) {
-        runChild(run, in, out, error);
+RunningTool::RunningTool(ToolRun run) : mRun(std::move(run)) {
+    const int in = open(mFolder.write("in", mRun.mInput).c_str(), O_RDONLY | O_CLOEXEC);
+    const int out = openOutput();
+    const int error = open(mFolder.at("error").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    mProcess = fork();
+    if (mProcess == 0) {
+        dup2(in, STDIN_FILENO);
+        dup2(out, STDOUT_FILENO);
+        dup2(error, STDERR_FILENO);
+        runChild(mRun);
     }
     for (const int descriptor : {in, out, error}) {
         close(descriptor);
     }
-    ToolResult result;
-    if (run.mIsTerminal) {
-        result.mOut = readTerminal(terminal);
-        close(terminal);
+}
+
+RunningTool::~RunningTool() {
+    if (mProcess > 0) {
+        kill(mProcess, SIGKILL);
+        waitpid(mProcess, nullptr, 0);
     }
+    if (mTerminal >= 0) {
+        close(mTerminal);
+    }
+}
+
+int RunningTool::openOutput() {
+    std::array<int, 2> ends{-1, -1};
+    if (mRun.mIsTerminal) {
+        EXPECT_EQ(openpty(&mTerminal, &ends[1], nullptr, nullptr, nullptr), 0);
+    } else if (mRun.mIsOutputClosedPipe) {
+        EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+        close(ends[0]);
+    } else {
+        const std::string path = mRun.mOutputPath.empty() ? mFolder.at("out") : mRun.mOutputPath;
+        ends[1] = open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    }
+    return ends[1];
+}
+
+void RunningTool::send(int signal) const { kill(mProcess, signal); }
+
+ToolResult RunningTool::finish() {
+    const std::string shown = readTerminal(mTerminal);
     int status = 0;
-    waitpid(child, &status, 0);
-    result.mExitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    result.mError = readFile(folder.at("error"));
-    if (!run.mIsTerminal && run.mOutputPath.empty()) {
-        result.mOut = readFile(outputPath);
-    }
-    return result;
+    waitpid(mProcess, &status, 0);
+    mProcess = -1;
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, shown + readFile(mFolder.at("out")),
+            readFile(mFolder.at("error"))};
 }
-
-ToolResult runTool(std::vector<std::string> arguments) {
-    ToolRun run;
-    run.mArguments = std::move(arguments);
-    return runTool(run);
-}
-
-std::string getDocument(const std::string& name) { return KT_SOURCE_DIR "/tests/data/documents/" + name; }
-
-std::string getSample(const std::string& name) { return KT_SAMPLES_DIR "/" + name; }
 
 }  // namespace ktannot::test
