@@ -41,7 +41,7 @@ public:
     int getError() const { return mError; }
 
 private:
-    static constexpr std::size_t sPieceSize = 64U * 1024;
+    static constexpr std::size_t sPieceSize = 65'536;
 
     void drainWhenLarge() {
         if (mText.size() >= sPieceSize && mDescriptor >= 0) {
