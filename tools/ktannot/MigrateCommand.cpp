@@ -34,7 +34,7 @@ namespace ktannot {
 namespace {
 
 /// Stack of the threads that read documents: the deepest tree that is read needs a part of it even in sanitizer builds.
-constexpr std::size_t sThreadStackSize = 16U * 1024 * 1024;
+constexpr std::size_t sThreadStackSize = std::size_t{16} * 1024 * 1024;
 
 /// Bytes from a number with an optional suffix K, M or G; nothing when it is neither.
 std::optional<std::uint64_t> parseSize(const std::string& text) {

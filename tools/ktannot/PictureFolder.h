@@ -16,7 +16,7 @@ namespace ktannot {
 class PictureFolder {
 public:
     /// Larger files are not read: no drawing could embed them.
-    static constexpr std::size_t sMaxPictureSize = 64U * 1024 * 1024;
+    static constexpr std::size_t sMaxPictureSize = std::size_t{64} * 1024 * 1024;
 
     /// @param folders  searched in this order; folders that do not exist and links to folders are passed over (with
     ///                 "/." behind it, a link is followed).

@@ -41,7 +41,7 @@ public:
     int getError() const { return mError; }
 
 private:
-    static constexpr std::size_t sPieceSize = 65'536;
+    static constexpr std::size_t sPieceSize = std::size_t{64} * 1024;
 
     void drainWhenLarge() {
         if (mText.size() >= sPieceSize && mDescriptor >= 0) {
