@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// Drawings as plain shapes.
+
 #include "platform/annotation/ktCadAnnotationView.h"
 
 #include <string>

@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// Graphics libraries to measure against.
+
 #include "benchmarks/end-to-end/FlatDrawing.h"
 
 #include <memory>

@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// Documents to measure with.
+
 #include <string>
 
 namespace ktBenchmark {
