@@ -22,6 +22,8 @@ endif()
 if(KT_SANITIZE)
     target_compile_options(ktCompiler INTERFACE -fsanitize=${KT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(ktCompiler INTERFACE -fsanitize=${KT_SANITIZE})
+    target_sources(ktCompiler INTERFACE
+        "$<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:${CMAKE_CURRENT_LIST_DIR}/SanitizerDefaults.cpp>")
 endif()
 if(KT_COVERAGE)
     target_compile_options(ktCompiler INTERFACE --coverage -O0)

@@ -65,6 +65,9 @@ inline const kt::ktVariant* findKey(const VariantMap& map, std::string_view key)
 /// Fetches into the cache what the map `next` of a list holds, before it is read. The maps of a document are made one
 /// after the other, each behind its content, so that this content lies between the map before it and itself.
 inline void prefetchMap(const VariantMap& previous, const VariantMap& next) {
+    if (next.empty()) {
+        return;
+    }
     constexpr std::ptrdiff_t sLineSize = 64;
     constexpr std::ptrdiff_t sMaxSize = 4096;
     const auto* begin = reinterpret_cast<const std::byte*>(previous.begin());
