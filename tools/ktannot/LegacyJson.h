@@ -24,11 +24,12 @@ public:
     void writeRefusal(const LegacyDocument& document);
     /// The members "messages" and "problems".
     void writeFindings(const LegacyDocument& document);
+    /// One view with everything in it; null for a missing one.
+    void writeView(const LegacyDocument::View& view, LegacyDocument::Kind kind);
 
     static const char* getKindWord(LegacyDocument::Kind kind);
 
 private:
-    void writeView(const LegacyDocument::View& view, LegacyDocument::Kind kind);
     void writeAnnotation(const ktLegacy::ktAnnotationInterface* annotation);
     void writeLeaders(const ktLegacy::ktAnnotationInterface& annotation);
     void writeMeasureLeaders(const ktLegacy::ktAnnotationInterface& annotation);

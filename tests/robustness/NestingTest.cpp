@@ -1,0 +1,153 @@
+#include "tests/legacy/LegacyLibraryTest.h"
+#include "tests/legacy/StreamBuilder.h"
+#include "tests/robustness/DamagedDocuments.h"
+#include "tests/robustness/Drawings.h"
+#include "tools/ktannot/JsonWriter.h"
+#include "tools/ktannot/LegacyDocument.h"
+#include "tools/ktannot/LegacyJson.h"
+#include "tools/ktannot/TextOutput.h"
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <functional>
+#include <string>
+
+namespace ktTest {
+namespace {
+
+using ktannot::LegacyDocument;
+using ktLegacy::ktAnnotationInterface;
+
+constexpr int sDeepestLevel = 512;
+constexpr std::size_t sStackSize = 8U * 1024 * 1024;
+
+/// Runs work on a thread with the stack that threads and processes usually have.
+void runOnThread(const std::function<void()>& work) {
+    pthread_attr_t attributes;
+    ASSERT_EQ(pthread_attr_init(&attributes), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, sStackSize), 0);
+    const auto run = [](void* argument) -> void* {
+        (*static_cast<const std::function<void()>*>(argument))();
+        return nullptr;
+    };
+    pthread_t thread{};
+    ASSERT_EQ(pthread_create(&thread, &attributes, run, const_cast<std::function<void()>*>(&work)), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+}
+
+/// A stream of one view with text annotations within each other.
+std::string makeNestedStream(int levels) {
+    constexpr unsigned int minor = 27;
+    StreamBuilder body(minor);
+    body.viewStart("nested").u32(1).u32(0);
+    for (int level = 1; level <= levels; ++level) {
+        body.text("").u32(0).u32(0).placement(1).u32(level < levels ? 1 : 0);
+        if (level < levels) {
+            body.u8(3).u8(1);
+        }
+    }
+    for (int level = 1; level <= levels; ++level) {
+        body.emptyMap().textEnd("x");
+    }
+    body.emptyMap();
+    const Bytes bytes = DocumentBuilder(minor).view(1, body.getBytes()).build();
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+std::string makeNestedJson(int levels) {
+    std::string json = R"({"ver": "6.27", "metadata": {}, "annotations": [)";
+    for (int level = 1; level <= levels; ++level) {
+        json += R"({"type": "text", "lines": [[{"text": "x"}]], "children": [)";
+    }
+    for (int level = 1; level <= levels; ++level) {
+        json += "]}";
+    }
+    return json + "]}";
+}
+
+int countLevels(const ktAnnotationInterface* annotation) {
+    int levels = 0;
+    while (annotation != nullptr) {
+        ++levels;
+        const auto& children = annotation->getSubAnnots();
+        annotation = children.empty() ? nullptr : children.front().mAnnotation.get();
+    }
+    return levels;
+}
+
+/// What the tool does with a document: read, dump, copy, draw, destroy.
+void expectWholeJourney(const std::string& text, int levels) {
+    const LegacyDocument document = LegacyDocument::load("test", std::as_bytes(std::span(text)));
+    ASSERT_EQ(document.getViews().size(), 1U) << document.getReason();
+    const auto& annotations = document.getViews().front().mView->mAnnotations;
+    ASSERT_EQ(annotations.size(), 1U);
+    EXPECT_EQ(countLevels(annotations.front().get()), std::min(levels, sDeepestLevel));
+    EXPECT_EQ(document.getOutcome(),
+              levels > sDeepestLevel ? ktannot::ExitCode::LimitReached : ktannot::ExitCode::AllWell);
+
+    const kt::ktPointer<ktAnnotationInterface> copy(annotations.front()->cloneAnnotation());
+    EXPECT_EQ(countLevels(copy.get()), std::min(levels, sDeepestLevel));
+    ktannot::TextOutput output;
+    ktannot::JsonWriter json(output);
+    ktannot::LegacyJson(json).writeDocument(document);
+    EXPECT_GT(output.getText().size(), 100U * static_cast<unsigned>(std::min(levels, sDeepestLevel)));
+    EXPECT_EQ(draw(document).mXmlError, "");
+}
+
+class NestingTest : public LegacyLibraryTest, public testing::WithParamInterface<int> {
+protected:
+    /// The main thread's stack must not be larger than usual either.
+    static void expectUsualStack() {
+        rlimit limit{};
+        ASSERT_EQ(getrlimit(RLIMIT_STACK, &limit), 0);
+        if (limit.rlim_cur > sStackSize) {
+            GTEST_SKIP() << "the main thread has an unusual stack";
+        }
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Levels, NestingTest, testing::Values(511, 512, 513, 5'000),
+                         [](const auto& value) { return std::to_string(value.param); });
+
+TEST_P(NestingTest, StreamsEndAtTheLimitOnTheMainThread) {
+    expectUsualStack();
+    expectWholeJourney(makeNestedStream(GetParam()), GetParam());
+}
+
+TEST_P(NestingTest, StreamsEndAtTheLimitOnAnotherThread) {
+    runOnThread([] { expectWholeJourney(makeNestedStream(GetParam()), GetParam()); });
+}
+
+TEST_P(NestingTest, VariantDocumentsEndAtTheLimitOnTheMainThread) {
+    expectUsualStack();
+    expectWholeJourney(makeNestedJson(GetParam()), GetParam());
+}
+
+TEST_P(NestingTest, VariantDocumentsEndAtTheLimitOnAnotherThread) {
+    runOnThread([] { expectWholeJourney(makeNestedJson(GetParam()), GetParam()); });
+}
+
+// The records behind a view whose metadata is nested too deeply are read all the same.
+TEST_F(LegacyLibraryTest, DeepMetadataCostsOnlyItself) {
+    constexpr unsigned int minor = 27;
+    for (const int levels : {511, 512, 513, 5'000}) {
+        StreamBuilder body(minor);
+        body.viewStart("deep").u32(0).u32(0);
+        for (int level = 1; level < levels; ++level) {
+            body.u32(1).text("k").u8(10);
+        }
+        body.emptyMap();
+        const kt::ktObjectDocument document(
+            DocumentBuilder(minor).view(1, body.getBytes()).view(2, makeSmallViewBody(minor, "small")).build());
+        EXPECT_EQ(document.hasStreamError(), levels > 512) << levels;
+        EXPECT_EQ(document.getProblems().size(), levels > 512 ? 1U : 0U) << levels;
+        EXPECT_EQ(dumpViews(document).size(), 2U) << levels;
+    }
+}
+
+}  // namespace
+}  // namespace ktTest
