@@ -14,6 +14,9 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
     return 0;
 }
 
+/// Far less than documents may take, so that runs with claims of memory stay short; sound inputs need less still.
+constexpr std::uint64_t sMemoryLimit = 1U << 20U;
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static constexpr char sMagic[] = {'K', 'T', 'S', 'T', 'R', 'E', 'A', 'M'};
     std::vector<std::uint8_t> document(data, data + size);
@@ -21,6 +24,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (std::size_t index = 0; index < sizeof(sMagic) && index < size; ++index) {
         document[index] = static_cast<std::uint8_t>(sMagic[index]);
     }
-    ktannot::LegacyDocument::load("fuzz", std::as_bytes(std::span(document)));
+    ktannot::LegacyDocument::load("fuzz", std::as_bytes(std::span(document)), sMemoryLimit);
     return 0;
 }

@@ -69,8 +69,10 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     constexpr int acceptAll = 7;
     constexpr float headSize = 3.0F;
+    // Far less than documents may take, so that runs with claims of memory stay short; sound inputs need less still.
+    constexpr std::uint64_t memoryLimit = 1U << 20U;
     static ktLegacy::ktAnnotationMigration sMigration(acceptAll, provideRaster, nullptr, headSize);
-    const auto document = ktannot::LegacyDocument::load("fuzz", std::as_bytes(std::span(data, size)));
+    const auto document = ktannot::LegacyDocument::load("fuzz", std::as_bytes(std::span(data, size)), memoryLimit);
     for (const ktannot::LegacyDocument::View& view : document.getViews()) {
         kt::ktPointer<kt::ktCadAnnotationView> migrated;
         if (sMigration.migrateAnnotationView(view.mView, migrated)) {

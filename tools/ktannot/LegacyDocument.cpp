@@ -141,8 +141,9 @@ LegacyDocument LegacyDocument::load(const Input& input, std::optional<std::uint6
     return document;
 }
 
-LegacyDocument LegacyDocument::load(const std::string& source, std::span<const std::byte> bytes) {
-    LegacyDocument document(source);
+LegacyDocument LegacyDocument::load(const std::string& source, std::span<const std::byte> bytes,
+                                    std::optional<std::uint64_t> memoryLimit) {
+    LegacyDocument document(source, memoryLimit);
     document.read(bytes, false);
     return document;
 }

@@ -57,7 +57,9 @@ public:
     ///                     variant document has none.
     static LegacyDocument load(const Input& input, std::optional<std::uint64_t> memoryLimit = std::nullopt);
     /// Reads a document from memory; the bytes are needed during the call only. Throws std::bad_alloc.
-    static LegacyDocument load(const std::string& source, std::span<const std::byte> bytes);
+    /// @param memoryLimit  as above.
+    static LegacyDocument load(const std::string& source, std::span<const std::byte> bytes,
+                               std::optional<std::uint64_t> memoryLimit = std::nullopt);
 
     LegacyDocument(LegacyDocument&&) noexcept = default;
     LegacyDocument& operator=(LegacyDocument&&) noexcept = default;
