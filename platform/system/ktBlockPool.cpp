@@ -22,6 +22,10 @@ void* ktBlockPool::allocate(std::size_t size) { return ::operator new(size); }
 
 void ktBlockPool::release(void* block, std::size_t /*size*/) noexcept { ::operator delete(block); }
 
+void ktBlockPool::Releases::add(void* block, std::size_t size) noexcept { release(block, size); }
+
+void ktBlockPool::Releases::settleChunk() noexcept {}
+
 #else
 
 namespace {
@@ -29,11 +33,11 @@ namespace {
 constexpr std::size_t sChunkSize = 256 * std::size_t{1024};
 constexpr std::size_t sPageSize = 4096;
 constexpr std::size_t sAlignment = 16;
-/// Chunks kept as they are for the next document: 16 MiB.
-constexpr std::size_t sMaxWarmChunks = 64;
+/// Chunks kept as they are for the next document: 64 MiB.
+constexpr std::size_t sMaxWarmChunks = 256;
 /// Chunks kept beyond these, up to 1 GiB, are offered to the system, which takes their pages when it needs memory;
 /// until then they are used again without the cost of fresh pages.
-constexpr std::size_t sMaxCachedChunks = 4096;
+constexpr std::size_t sMaxOfferedChunks = 4096;
 /// Stands for the blocks that the owner of a chunk may still hand out: more than fit a chunk, so that the count cannot
 /// reach 0 before the owner has settled it.
 constexpr std::int64_t sOwnerShare = std::int64_t{1} << 40;
@@ -58,33 +62,48 @@ struct ThreadChunk {
 /// thread's copy.
 [[gnu::tls_model("initial-exec")]] constinit thread_local ThreadChunk sThreadChunk{};
 
+/// Chunks without blocks. Guarded by sCacheMutex.
+struct ChunkList {
+    Chunk* mFirst;
+    std::size_t mCount;
+
+    void put(Chunk* chunk) {
+        chunk->mNextFree = mFirst;
+        mFirst = chunk;
+        ++mCount;
+    }
+    /// Null when there is none.
+    Chunk* take() {
+        Chunk* chunk = mFirst;
+        if (chunk != nullptr) {
+            mFirst = chunk->mNextFree;
+            --mCount;
+        }
+        return chunk;
+    }
+};
+
 constinit std::mutex sCacheMutex;
-constinit Chunk* sCachedChunks = nullptr;
-constinit std::size_t sCachedCount = 0;
+constinit ChunkList sWarmChunks{};
+constinit ChunkList sOfferedChunks{};
 
 Chunk* takeCachedChunk() {
     const std::lock_guard lock(sCacheMutex);
-    Chunk* chunk = sCachedChunks;
-    if (chunk != nullptr) {
-        sCachedChunks = chunk->mNextFree;
-        --sCachedCount;
-    }
-    return chunk;
+    Chunk* chunk = sWarmChunks.take();
+    return chunk != nullptr ? chunk : sOfferedChunks.take();
 }
 
 void recycle(Chunk* chunk) noexcept {
     const std::lock_guard lock(sCacheMutex);
-    if (sCachedCount >= sMaxCachedChunks) {
-        ::munmap(chunk, sChunkSize);
-        return;
-    }
-    if (sCachedCount >= sMaxWarmChunks) {
+    if (sWarmChunks.mCount < sMaxWarmChunks) {
+        sWarmChunks.put(chunk);
+    } else if (sOfferedChunks.mCount < sMaxOfferedChunks) {
         // All but the first page, which holds the head.
         ::madvise(reinterpret_cast<std::byte*>(chunk) + sPageSize, sChunkSize - sPageSize, MADV_FREE);
+        sOfferedChunks.put(chunk);
+    } else {
+        ::munmap(chunk, sChunkSize);
     }
-    chunk->mNextFree = sCachedChunks;
-    sCachedChunks = chunk;
-    ++sCachedCount;
 }
 
 /// A fresh chunk at a multiple of its size.
@@ -146,6 +165,11 @@ struct ThreadEnd {
     }
 };
 
+Chunk* chunkOf(void* block) {
+    constexpr auto sChunkMask = ~(static_cast<std::uintptr_t>(sChunkSize) - 1);
+    return reinterpret_cast<Chunk*>(reinterpret_cast<std::uintptr_t>(block) & sChunkMask);
+}
+
 std::byte* blocksOf(Chunk* chunk) { return reinterpret_cast<std::byte*>(chunk) + sizeof(Chunk); }
 
 /// A block from a fresh chunk, which becomes the thread's own.
@@ -188,8 +212,27 @@ void ktBlockPool::release(void* block, std::size_t size) noexcept {
     if (size > sMaxBlockSize) [[unlikely]] {
         ::operator delete(block);
     } else if (block != nullptr) {
-        constexpr auto sChunkMask = ~(static_cast<std::uintptr_t>(sChunkSize) - 1);
-        settle(reinterpret_cast<Chunk*>(reinterpret_cast<std::uintptr_t>(block) & sChunkMask), 1);
+        settle(chunkOf(block), 1);
+    }
+}
+
+void ktBlockPool::Releases::add(void* block, std::size_t size) noexcept {
+    if (size > sMaxBlockSize) [[unlikely]] {
+        ::operator delete(block);
+        return;
+    }
+    Chunk* chunk = chunkOf(block);
+    if (chunk != mChunk) {
+        settleChunk();
+        mChunk = chunk;
+    }
+    ++mCount;
+}
+
+void ktBlockPool::Releases::settleChunk() noexcept {
+    if (mChunk != nullptr) {
+        settle(static_cast<Chunk*>(mChunk), mCount);
+        mCount = 0;
     }
 }
 

@@ -6,6 +6,7 @@
 #include "platform/system/ktSystemExport.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <new>
 
 namespace kt {
@@ -25,6 +26,25 @@ public:
     static void release(void* block, std::size_t size) noexcept;
 
     static constexpr std::size_t sMaxBlockSize = 4096;
+
+    /// Releases many blocks: those of one chunk that come one after the other are counted down together, at the latest
+    /// by the destructor. For one thread.
+    class KT_SYSTEM_API Releases {
+    public:
+        Releases() noexcept = default;
+        Releases(const Releases&) = delete;
+        Releases& operator=(const Releases&) = delete;
+        ~Releases() { settleChunk(); }
+
+        /// Releases a block, which is not null; size as it was asked for.
+        void add(void* block, std::size_t size) noexcept;
+
+    private:
+        void settleChunk() noexcept;
+
+        void* mChunk = nullptr;
+        std::int64_t mCount = 0;
+    };
 };
 
 /// Puts the elements of a standard container into the block pool.

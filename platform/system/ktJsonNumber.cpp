@@ -1,7 +1,6 @@
 #include "platform/system/ktJsonNumber_p.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <limits>
 
@@ -85,9 +84,8 @@ struct Decimal {
     std::int64_t toInteger() const { return static_cast<std::int64_t>(mIsNegative ? 0 - mDigits : mDigits); }
 
     double toReal(const char* end) const {
-        constexpr std::array<double, 23> sPowers{1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-                                                 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-        constexpr std::int64_t sMaxPower = 22;
+        constexpr auto& sPowers = ktJsonNumber::sPowersOfTen;
+        constexpr auto sMaxPower = static_cast<std::int64_t>(sPowers.size()) - 1;
         constexpr std::uint64_t sMaxMantissa = std::uint64_t{1} << 53;
         if (mDigitCount <= sMaxExactDigits && mDigits <= sMaxMantissa && mExponent >= -sMaxPower &&
             mExponent <= sMaxPower) {

@@ -383,6 +383,27 @@ private:
     }
 
     [[gnu::always_inline]] const char* readNumber(Tokens& tokens) {
+        const std::size_t begin = *tokens.mNext;
+        if (mText.size() - begin >= impl::ktJsonNumber::sShortReadableSize) [[likely]] {
+            const impl::ktJsonNumber number = impl::ktJsonNumber::parseShort(mText.data() + begin);
+            if (number.mEnd != nullptr && endsToken(number.mEnd)) [[likely]] {
+                ++tokens.mNext;
+                addNumber(number);
+                return nullptr;
+            }
+        }
+        return readLongNumber(tokens);
+    }
+
+    void addNumber(const impl::ktJsonNumber& number) {
+        if (number.mIsInteger) {
+            mBuilder.addValue(number.mInteger);
+        } else {
+            mBuilder.addValue(number.mReal);
+        }
+    }
+
+    [[gnu::always_inline]] const char* readLongNumber(Tokens& tokens) {
         const char* end = mText.data() + mText.size();
         const impl::ktJsonNumber number = tokens.mNext == tokens.mLast
                                               ? impl::ktJsonNumber()
@@ -394,11 +415,7 @@ private:
             return "Number too big to be stored in double.";
         }
         ++tokens.mNext;
-        if (number.mIsInteger) {
-            mBuilder.addValue(number.mInteger);
-        } else {
-            mBuilder.addValue(number.mReal);
-        }
+        addNumber(number);
         return nullptr;
     }
 

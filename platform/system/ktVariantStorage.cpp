@@ -2,10 +2,11 @@
 #include "platform/system/ktVariantStorage_p.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <limits>
-#include <memory>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace kt::impl {
@@ -70,49 +71,83 @@ ktVariantBlock* ktVariantStorage::growBlock(Kind kind, ktVariantBlock* block, st
     return grown;
 }
 
-void ktVariantStorage::destroyTree(Kind kind, ktVariantBlock* block) noexcept {
-    // The way back to a parent is kept in the parent itself, in the place of the child that is being destroyed:
-    // elements go from the last to the first, so that place is always the parent's last element.
-    ktVariantBlock* parent = nullptr;
-    Kind parentKind = Kind::Undefined;
-    for (;;) {
-        if (block->mSize == 0) {
-            releaseBlock(kind, block);
+/// Destroys a tree. The way back to a parent is kept in the parent itself, in the place of the child that is being
+/// destroyed: elements go from the last to the first, so that place is always the parent's last element.
+class ktVariantStorage::TreeDestruction {
+public:
+    void run(Kind kind, ktVariantBlock* block) noexcept {
+        ktVariantBlock* parent = nullptr;
+        Kind parentKind = Kind::Undefined;
+        for (;;) {
+            if (ktVariant* container = destroyLeaves(kind, block); container != nullptr) {
+                ktVariantBlock* child = getBlock(*container);
+                const Kind childKind = container->getKind();
+                container->store(0, parent);
+                container->setTag(static_cast<std::uint8_t>(parentKind));
+                parent = std::exchange(block, child);
+                parentKind = std::exchange(kind, childKind);
+                continue;
+            }
+            prefetchBefore(block);
+            mReleases.add(block, getBlockBytes(kind, block->mCapacity));
             if (parent == nullptr) {
                 return;
             }
             block = parent;
             kind = parentKind;
             --block->mSize;
-            ktVariant& place = valueAt(kind, block, block->mSize);
+            const ktVariant& place = valueAt(kind, block, block->mSize);
             parent = getBlock(place);
             parentKind = place.getKind();
-            place.setTag(static_cast<std::uint8_t>(Kind::Undefined));
-            continue;
         }
-        const std::size_t last = block->mSize - 1;
-        ktVariant& value = valueAt(kind, block, last);
-        if (kind == Kind::Map) {
-            // The key of a container is destroyed on the way down; its entry is only stepped over on the way up.
-            std::destroy_at(&block->elements<Entry>()[last].first);
-        }
-        ktVariantBlock* child = value.isMap() || value.isList() ? getBlock(value) : nullptr;
-        if (child == nullptr) {
-            if (value.isString()) {
-                std::destroy_at(&value);
-            }
-            --block->mSize;
-            continue;
-        }
-        const Kind childKind = value.getKind();
-        value.store(0, parent);
-        value.setTag(static_cast<std::uint8_t>(parentKind));
-        parent = block;
-        parentKind = kind;
-        block = child;
-        kind = childKind;
     }
-}
+
+private:
+    /// Destroys a block's elements from the last one on until that is a container with a block, which is the result and
+    /// whose key is destroyed already. Null when there are no more elements.
+    ktVariant* destroyLeaves(Kind kind, ktVariantBlock* block) noexcept {
+        return kind == Kind::Map ? destroyLeaves<Entry>(block) : destroyLeaves<ktVariant>(block);
+    }
+
+    template <typename Element>
+    ktVariant* destroyLeaves(ktVariantBlock* block) noexcept {
+        auto* elements = block->elements<Element>();
+        for (std::uint32_t size = block->mSize; size != 0; --size) {
+            ktVariant& value = destroyKey(elements[size - 1]);
+            if (!value.ownsStorage()) {
+                continue;
+            }
+            if (value.isString()) {
+                releaseText(value.getLongText());
+            } else if (getBlock(value) != nullptr) {
+                block->mSize = size;
+                return &value;
+            }
+        }
+        return nullptr;
+    }
+
+    ktVariant& destroyKey(Entry& entry) noexcept {
+        if (entry.first.isLong()) {
+            releaseText(entry.first.getLongText());
+        }
+        return entry.second;
+    }
+    ktVariant& destroyKey(ktVariant& value) noexcept { return value; }
+
+    /// Trees are mostly made from the first leaf to the root, one block behind the other; so the blocks whose turn
+    /// comes soon lie before this one.
+    static void prefetchBefore(const ktVariantBlock* block) noexcept {
+        constexpr std::uintptr_t sDistance = 1024;
+        __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(block) - sDistance));
+    }
+
+    void releaseText(std::string_view text) noexcept { mReleases.add(const_cast<char*>(text.data()), text.size()); }
+
+    ktBlockPool::Releases mReleases;
+};
+
+void ktVariantStorage::destroyTree(Kind kind, ktVariantBlock* block) noexcept { TreeDestruction().run(kind, block); }
 
 /// Copies a tree block by block. Every block is hung into the copy before it is filled, so that whatever exists when an
 /// allocation fails is destroyed with the root.

@@ -55,6 +55,7 @@ public:
     static ktVariantBlock* getBlock(const ktVariant& container) { return container.load<ktVariantBlock*>(0); }
 
 private:
+    class TreeDestruction;
     class TreeCopy;
     class TreeComparison;
 

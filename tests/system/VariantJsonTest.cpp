@@ -98,6 +98,38 @@ TEST(VariantJson, RefusesWithThePlace) {
     }
 }
 
+/// What a list of the text twice gives, with so much behind it that short numbers are read in wide steps.
+ktVariant parseWithTextBehind(const std::string& text) {
+    ktVariant value;
+    kt::ktJsonError error;
+    const std::string blanks(64, ' ');
+    return parse("[" + text + "," + text + blanks + "]" + blanks, value, error) ? value : ktVariant();
+}
+
+TEST(VariantJson, ReadsNumbersOfAnyLength) {
+    const std::string digits = "9876543210123456789012";
+    for (const std::string sign : {"", "-"}) {
+        for (std::size_t whole = 1; whole <= 18; ++whole) {
+            const std::string integer = sign + digits.substr(0, whole);
+            EXPECT_EQ(parseWithTextBehind(integer), (List{std::stoll(integer), std::stoll(integer)})) << integer;
+            for (std::size_t fraction = 1; fraction <= digits.size(); ++fraction) {
+                for (const std::string& text : {integer + "." + digits.substr(digits.size() - fraction),
+                                                sign + "0." + std::string(whole, '0') + digits.substr(0, fraction)}) {
+                    const double number = std::stod(text);
+                    EXPECT_EQ(parseWithTextBehind(text), (List{number, number})) << text;
+                }
+            }
+        }
+    }
+}
+
+TEST(VariantJson, RefusesWrongNumbersWithTextBehind) {
+    for (const char* text : {"00", "01", "-", "-a", "-01", ".5", "1.", "1.a", "1.-5", "1.5.2", "1.5x", "1x", "1:", "1;",
+                             "123456789x", "0.12345678a", "0.1234567812345678x", "1.5e", "1\xB1"}) {
+        EXPECT_EQ(parseWithTextBehind(text), ktVariant()) << text;
+    }
+}
+
 TEST(VariantJson, KeepsItsMemoryFromTextToText) {
     // Maps of the same keys in the same order, in another order, with a repeated key, and with long keys of one length.
     const std::pair<std::string_view, ktVariant> rows[] = {
