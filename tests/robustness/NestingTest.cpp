@@ -22,7 +22,7 @@ using ktannot::LegacyDocument;
 using ktLegacy::ktAnnotationInterface;
 
 constexpr int sDeepestLevel = 512;
-constexpr std::size_t sStackSize = 8U * 1024 * 1024;
+constexpr std::size_t sStackSize = 8ULL * 1024 * 1024;
 
 /// Runs work on a thread with the stack that threads and processes usually have.
 void runOnThread(const std::function<void()>& work) {

@@ -128,7 +128,7 @@ TEST_P(StreamDamageTest, BytesBeyondARecordAreLeftOver) {
 
 TEST_P(StreamDamageTest, AnyByteMayBeAnother) {
     // A low budget, so that counts made large cost little time.
-    constexpr std::uint64_t budget = 64U * 1024;
+    constexpr std::uint64_t budget = 64ULL * 1024;
     Bytes damaged = mBytes;
     for (std::size_t offset = 0; offset < mBytes.size(); ++offset) {
         const auto record = std::find_if(mRecords.begin(), mRecords.end(),
