@@ -60,9 +60,10 @@ void writeDrawings(const kt::ktCadAnnotationView& view) {
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    static SilentLog sLog;
+    // Never destroyed: the library may log until the process ends.
+    static auto* const sLog = new SilentLog;
     kt::initializeKtAnnotationLegacyLibrary();
-    kt::ktLog::msInstance = &sLog;
+    kt::ktLog::msInstance = sLog;
     return 0;
 }
 
