@@ -68,7 +68,7 @@ void addBackground(ktCadAnnotationView& view) {
     addAnnotation(view, "background", {}, {makeRect({0, 0}, {50.8F, 25.4F}, "#F0F0F0")});
 }
 
-constexpr ktCadViewSvgWriter::Options sNoMargin{svg::SvgWriter::TextMode::Text, 0.0F, 0.5F};
+constexpr ktCadViewSvgWriter::Options sNoMargin{svg::SvgWriter::TextMode::Text, 0.0F, 0.5F, 0.0F};
 
 TEST(Drawing, OfAnEmptyViewShowsItsTitle) {
     ktCadAnnotationView view;

@@ -1,0 +1,53 @@
+#include "tests/render/RenderCompare.h"
+#include "tests/tool/ToolRunner.h"
+
+#include <fstream>
+#include <sstream>
+
+namespace ktannot::test {
+namespace {
+
+struct PictureCase {
+    const char* mName;  ///< of the reference picture
+    const char* mDocument;
+    const char* mDrawing;
+    const char* mTextMode;
+    double mTolerance;
+};
+
+void PrintTo(const PictureCase& picture, std::ostream* stream) { *stream << picture.mName; }
+
+std::string readFile(const std::string& path) {
+    std::ostringstream content;
+    content << std::ifstream(path, std::ios::binary).rdbuf();
+    return content.str();
+}
+
+class MigratedPicture : public testing::TestWithParam<PictureCase> {};
+
+TEST_P(MigratedPicture, IsWhatTwoRenderersDraw) {
+    const auto& [name, document, drawing, textMode, tolerance] = GetParam();
+    const TemporaryFolder folder;
+    runTool({"migrate", getSample(document), "-o", folder.getPath(), "--accept", "all", "--text", textMode});
+    const std::string svg = readFile(folder.at(std::string(document) + "/" + drawing));
+    ASSERT_FALSE(svg.empty());
+    EXPECT_TRUE(kt::test::matchesReference(svg, name, tolerance));
+}
+
+// Renderers resample pictures in their own ways.
+constexpr PictureCase sPictures[] = {
+    {"frames", "catalogue_v622.json", "001-frame shapes.svg", "text", 0.11},
+    {"heads", "catalogue_from_622_v622.kts", "002-leader heads.svg", "text", 0.11},
+    {"measures", "catalogue_v622.json", "003-measures.svg", "text", 0.11},
+    {"anchors", "catalogue_from_622_v622.kts", "004-anchors.svg", "text", 0.11},
+    {"callout", "ctc_01_v627.json", "003-MBD_0 (3).svg", "outlines", 0.11},
+    {"symbols", "symbols_v626.json", "001-drawing symbols.svg", "text", 0.2},
+    {"arabic", "lang_ar.json", "001-\u062f\u0642\u064a\u0642\u0629 \u0642\u0648\u0633\u064a\u0629.svg", "outlines",
+     0.11},
+};
+
+INSTANTIATE_TEST_SUITE_P(Samples, MigratedPicture, testing::ValuesIn(sPictures),
+                         [](const auto& test) { return test.param.mName; });
+
+}  // namespace
+}  // namespace ktannot::test
