@@ -174,6 +174,9 @@ TEST(MigrateRefusal, LimitsAreNamed) {
         const ToolResult result = migrate(folder, {document, "--force", "--memory-limit", limit});
         EXPECT_EQ(result.mExitCode, *named == '\0' ? 0 : 5) << document << " with " << limit;
         EXPECT_THAT(result.mError, HasSubstr(named));
+        for (const char* command : {"check", "inspect"}) {
+            EXPECT_EQ(runTool({command, document, "--memory-limit", limit}).mExitCode, result.mExitCode);
+        }
     }
 }
 

@@ -22,6 +22,7 @@ std::string CheckCommand::getDetails() const {
 void CheckCommand::declareOptions(CLI::App& app) {
     declareInputs(app, mArguments);
     app.add_flag("--json", mIsJson, "Print one line of JSON for each document");
+    declareMemoryLimit(app, mMemoryLimit);
 }
 
 ExitCode CheckCommand::run(Surroundings& surroundings) {
@@ -31,7 +32,7 @@ ExitCode CheckCommand::run(Surroundings& surroundings) {
     ExitCode outcome = ExitCode::AllWell;
     for (const Input& input : inputs.getInputs()) {
         DocumentLog::Capture log;
-        const LegacyDocument document = LegacyDocument::load(input);
+        const LegacyDocument document = LegacyDocument::load(input, mMemoryLimit);
         census.add(document);
         outcome = worst(outcome, document.getOutcome());
         if (document.getState() == LegacyDocument::State::Skipped) {

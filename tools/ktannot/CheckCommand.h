@@ -25,6 +25,7 @@ private:
 
     std::vector<std::string> mArguments;
     bool mIsJson = false;
+    std::optional<std::uint64_t> mMemoryLimit;
 };
 
 }  // namespace ktannot

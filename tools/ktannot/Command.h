@@ -7,6 +7,8 @@
 #include "tools/ktannot/DocumentLog.h"
 #include "tools/ktannot/ExitCode.h"
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -46,6 +48,8 @@ protected:
     static void declareInputs(CLI::App& app, std::vector<std::string>& inputs);
     /// The option --color.
     static void declareColor(CLI::App& app, ColorMode& mode);
+    /// The option --memory-limit, in bytes; limit stays as it is without the option.
+    static void declareMemoryLimit(CLI::App& app, std::optional<std::uint64_t>& limit);
     /// The part of the details that is the same for all commands.
     static std::string getExitCodeText();
 };

@@ -21,6 +21,7 @@ std::string InspectCommand::getDetails() const {
 void InspectCommand::declareOptions(CLI::App& app) {
     declareInputs(app, mArguments);
     app.add_flag("--json", mIsJson, "Print one line of JSON for each document");
+    declareMemoryLimit(app, mMemoryLimit);
     declareColor(app, mColor);
 }
 
@@ -32,7 +33,7 @@ ExitCode InspectCommand::run(Surroundings& surroundings) {
     ExitCode outcome = ExitCode::AllWell;
     for (const Input& input : inputs.getInputs()) {
         DocumentLog::Capture log;
-        const LegacyDocument document = LegacyDocument::load(input);
+        const LegacyDocument document = LegacyDocument::load(input, mMemoryLimit);
         if (document.getState() == LegacyDocument::State::Skipped) {
             continue;
         }

@@ -20,6 +20,7 @@ private:
     std::vector<std::string> mArguments;
     ColorMode mColor = ColorMode::Auto;
     bool mIsJson = false;
+    std::optional<std::uint64_t> mMemoryLimit;
 };
 
 }  // namespace ktannot

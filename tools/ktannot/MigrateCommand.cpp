@@ -36,19 +36,6 @@ namespace {
 /// Stack of the threads that read documents: the deepest tree that is read needs a part of it even in sanitizer builds.
 constexpr std::size_t sThreadStackSize = std::size_t{16} * 1024 * 1024;
 
-/// Bytes from a number with an optional suffix K, M or G; nothing when it is neither.
-std::optional<std::uint64_t> parseSize(const std::string& text) {
-    std::uint64_t number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    const std::string suffix(end, text.data() + text.size());
-    static const std::map<std::string, int> sShifts{{"", 0}, {"K", 10}, {"M", 20}, {"G", 30}};
-    const auto shift = sShifts.find(suffix);
-    if (error != std::errc() || number == 0 || shift == sShifts.end() || number > (UINT64_MAX >> shift->second)) {
-        return std::nullopt;
-    }
-    return number << shift->second;
-}
-
 /// A document whose migration threw: nothing of it can be told but why.
 DocumentResult makeFailedResult(const Input& input, ExitCode outcome, std::string reason) {
     Input failed = input;
@@ -150,8 +137,7 @@ void MigrateCommand::declareOptions(CLI::App& app) {
     auto* force = app.add_flag("--force", mIsForced, "Replace drawings that are there already");
     app.add_flag("--skip-existing", mIsSkipping, "Keep drawings that are there already and make the others")
         ->excludes(force);
-    app.add_option("--memory-limit", mMemoryLimit, "Memory that reading one document may take, for example 500M or 2G")
-        ->type_name("SIZE");
+    declareMemoryLimit(app, mOptions.mMemoryLimit);
     auto* quiet = app.add_flag("-q,--quiet", mIsQuiet, "Tell only what went wrong");
     app.add_flag("-v,--verbose", mVerbosity, "Name every drawing; twice: log details too")->excludes(quiet);
     app.add_option("--log-file", mLogPath, "Append the log to a file")->type_name("FILE");
@@ -167,12 +153,6 @@ void MigrateCommand::checkOptions() {
     mOptions.mHeadSize = static_cast<float>(mHeadSize);
     if (!std::isfinite(mOptions.mHeadSize) || !(mOptions.mHeadSize > 0.0F)) {
         throw UsageError("--head-size takes a finite number above 0");
-    }
-    if (!mMemoryLimit.empty()) {
-        mOptions.mMemoryLimit = parseSize(mMemoryLimit);
-        if (!mOptions.mMemoryLimit) {
-            throw UsageError("--memory-limit takes a number of bytes, or one with K, M or G behind it");
-        }
     }
     if (mOptions.mOutput.empty()) {
         throw UsageError("--output takes a folder, or - for standard output");

@@ -34,7 +34,6 @@ private:
     std::string mAcceptedWords;
     std::string mTextModeName = "text";
     std::string mRasterFolder;
-    std::string mMemoryLimit;
     std::string mReportPath;
     std::string mLogPath;
     double mHeadSize = 3.0;

@@ -28,8 +28,8 @@ _ktannot() {
                     words='-h --help -o --output --format --accept --head-size --raster-dir --text -j --jobs --report
                         --force --skip-existing --memory-limit -q --quiet -v --verbose --log-file'
                     ;;
-                inspect) words='-h --help --json --color' ;;
-                check) words='-h --help --json' ;;
+                inspect) words='-h --help --json --memory-limit --color' ;;
+                check) words='-h --help --json --memory-limit' ;;
                 version) words='-h --help' ;;
             esac
             [[ -z $command || $word == -* ]] || words=''

@@ -21,10 +21,11 @@ complete -c ktannot -n $migrate -s j -l jobs -x -d 'Documents worked on at the s
 complete -c ktannot -n $migrate -l report -r -d 'Write a report for programs'
 complete -c ktannot -n $migrate -l force -d 'Replace drawings that are there already'
 complete -c ktannot -n $migrate -l skip-existing -d 'Keep drawings that are there already'
-complete -c ktannot -n $migrate -l memory-limit -x -d 'Memory that reading one document may take'
 complete -c ktannot -n $migrate -s q -l quiet -d 'Tell only what went wrong'
 complete -c ktannot -n $migrate -s v -l verbose -d 'Name every drawing; twice for log details'
 complete -c ktannot -n $migrate -l log-file -r -d 'Append the log to a file'
 
+complete -c ktannot -n '__fish_seen_subcommand_from migrate inspect check' -l memory-limit -x \
+    -d 'Memory that reading one document may take'
 complete -c ktannot -n '__fish_seen_subcommand_from inspect check' -l json -d 'One line of JSON for each document'
 complete -c ktannot -n '__fish_seen_subcommand_from inspect' -l color -x -a 'auto always never' -d 'When to use colours'
