@@ -19,7 +19,7 @@ set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "The tool ktannot reads legacy annotatio
 variant documents alike, and writes one drawing per view. With it come the
 shared libraries that do the work.")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION graphics)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "fonts-liberation, fonts-noto-core")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "fonts-liberation, fonts-noto-core, fonts-symbola")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SUGGESTS "fonts-noto-cjk")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libktannotationlegacy-dev)
