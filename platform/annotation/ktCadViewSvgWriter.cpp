@@ -2,6 +2,7 @@
 
 #include "platform/svg/ComputeEstimatedBoundingBox.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace kt {
@@ -130,7 +131,12 @@ void ktCadViewSvgWriter::write(const ktCadAnnotationView& view, std::string& fil
     if (box.isEmpty()) {
         box.addPoint(Point2::ZERO);
     }
-    box.addMargin({mOptions.mMargin, mOptions.mMargin});
+    // Glyphs may reach a little out of their boxes, by millimetres when the text is metres high.
+    // No margin may reach beyond the numbers there are.
+    constexpr float sMaxSide = 1e36F;
+    const float longerSide = std::min(std::max(box.getWidth(), box.getHeight()), sMaxSide);
+    const float margin = std::max(mOptions.mMargin, mOptions.mMarginShare * longerSide);
+    box.addMargin({margin, margin});
     writer.endDocument(box);
 }
 

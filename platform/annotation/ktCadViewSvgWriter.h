@@ -20,8 +20,9 @@ class KT_ANNOTATION_API ktCadViewSvgWriter {
 public:
     struct Options {
         svg::SvgWriter::TextMode mTextMode = svg::SvgWriter::TextMode::Text;
-        float mMargin = 5.0F;      ///< around the drawing, in millimetres; not negative
-        float mLineWidth = 0.25F;  ///< of leaders and outlines, in millimetres
+        float mMargin = 5.0F;        ///< least margin around the drawing, in millimetres; not negative
+        float mLineWidth = 0.25F;    ///< of leaders and outlines, in millimetres
+        float mMarginShare = 0.01F;  ///< least margin as a share of the drawing's longer side; not negative
     };
 
     ktCadViewSvgWriter() = default;
