@@ -87,10 +87,10 @@ void writeLeaders(svg::SvgWriter& writer, const ktCadAnnotation& annotation) {
     writer.endGroup();
 }
 
-void writeContent(svg::SvgWriter& writer, const ktCadAnnotation& annotation) {
+void writeContent(svg::SvgWriter& writer, const ktCadAnnotation& annotation, const Transform& placement) {
     svg::SvgWriter::Group group;
     group.mTitle = annotation.mName;
-    group.mTransform = getPlacement(annotation);
+    group.mTransform = placement;
     if (writer.startGroup(group)) {
         if (annotation.mRoot) {
             writer.writeItem(*annotation.mRoot);
@@ -125,8 +125,9 @@ void ktCadViewSvgWriter::write(const ktCadAnnotationView& view, std::string& fil
         addLeaders(box, annotation);
     });
     writeAnnotations(writer, view, warnings, [&](const ktCadAnnotation& annotation) {
-        writeContent(writer, annotation);
-        addTree(box, annotation.mRoot.get(), getPlacement(annotation));
+        const Transform placement = getPlacement(annotation);
+        writeContent(writer, annotation, placement);
+        addTree(box, annotation.mRoot.get(), placement);
     });
     if (box.isEmpty()) {
         box.addPoint(Point2::ZERO);

@@ -9,8 +9,11 @@
 #include "platform/svg/Text.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
 #include <limits>
+#include <memory_resource>
 #include <vector>
 
 namespace kt::svg {
@@ -38,10 +41,15 @@ float toFloat(double value) {
 class Extent {
 public:
     void addCorner(double x, double y) {
-        if (!std::isnan(x) && !std::isnan(y)) {
+        if (!std::isunordered(x, y)) {
             addTo(mCornerX, x);
             addTo(mCornerY, y);
         }
+    }
+    /// The corners of a rectangle, given by the ranges that they span along both axes.
+    void addCorners(double minX, double maxX, double minY, double maxY) {
+        mCornerX = {std::min(mCornerX.mMin, minX), std::max(mCornerX.mMax, maxX)};
+        mCornerY = {std::min(mCornerY.mMin, minY), std::max(mCornerY.mMax, maxY)};
     }
     void addCurveX(double x) { addTo(mCurveX, x); }
     void addCurveY(double y) { addTo(mCurveY, y); }
@@ -90,14 +98,12 @@ double multiply(double factor, double value) { return factor == 0.0 ? 0.0 : fact
 Point mapPoint(const Affine& map, const Wm4::Vector2<float>& point) {
     const auto x = static_cast<double>(point.x);
     const auto y = static_cast<double>(point.y);
-    Point mapped{map.mapX(x, y), map.mapY(x, y)};
-    if (std::isnan(mapped.x)) {
-        mapped.x = multiply(map.mXx, x) + multiply(map.mXy, y) + map.mX;
+    const Point mapped{map.mapX(x, y), map.mapY(x, y)};
+    if (!std::isunordered(mapped.x, mapped.y)) [[likely]] {
+        return mapped;
     }
-    if (std::isnan(mapped.y)) {
-        mapped.y = multiply(map.mYx, x) + multiply(map.mYy, y) + map.mY;
-    }
-    return mapped;
+    return {std::isnan(mapped.x) ? multiply(map.mXx, x) + multiply(map.mXy, y) + map.mX : mapped.x,
+            std::isnan(mapped.y) ? multiply(map.mYx, x) + multiply(map.mYy, y) + map.mY : mapped.y};
 }
 
 void addCorner(Extent& extent, const Affine& map, const Wm4::Vector2<float>& point) {
@@ -105,8 +111,9 @@ void addCorner(Extent& extent, const Affine& map, const Wm4::Vector2<float>& poi
     extent.addCorner(mapped.x, mapped.y);
 }
 
-void addRectangle(Extent& extent, const Affine& map, const Wm4::Vector2<float>& corner0,
-                  const Wm4::Vector2<float>& corner1) {
+/// A rectangle with infinite numbers: what is infinite beside a zero of the map counts as nothing.
+[[gnu::noinline]] void addInfiniteRectangle(Extent& extent, const Affine& map, const Wm4::Vector2<float>& corner0,
+                                            const Wm4::Vector2<float>& corner1) {
     if (std::isnan(corner0.x) || std::isnan(corner0.y) || std::isnan(corner1.x) || std::isnan(corner1.y)) {
         return;
     }
@@ -115,6 +122,36 @@ void addRectangle(Extent& extent, const Affine& map, const Wm4::Vector2<float>& 
     if (map.mXy != 0.0 || map.mYx != 0.0) {
         addCorner(extent, map, {corner0.x, corner1.y});
         addCorner(extent, map, {corner1.x, corner0.y});
+    }
+}
+
+/// What the sum of both terms of a mapped coordinate spans, over all corners.
+struct MappedRange {
+    [[gnu::always_inline]] MappedRange(double factorX, double factorY, double offset,
+                                       const Wm4::Vector2<float>& corner0, const Wm4::Vector2<float>& corner1) {
+        const double x0 = factorX * static_cast<double>(corner0.x);
+        const double x1 = factorX * static_cast<double>(corner1.x);
+        const double y0 = factorY * static_cast<double>(corner0.y);
+        const double y1 = factorY * static_cast<double>(corner1.y);
+        mMin = std::min(x0, x1) + std::min(y0, y1) + offset;
+        mMax = std::max(x0, x1) + std::max(y0, y1) + offset;
+        mTrace = (x0 + x1 + y0 + y1 + offset) * 0.0;
+    }
+
+    double mMin;
+    double mMax;
+    double mTrace;  ///< 0 when all numbers are finite
+};
+
+/// Inline, because most items of a drawing are texts and rectangles.
+[[gnu::always_inline]] inline void addRectangle(Extent& extent, const Affine& map, const Wm4::Vector2<float>& corner0,
+                                                const Wm4::Vector2<float>& corner1) {
+    const MappedRange x(map.mXx, map.mXy, map.mX, corner0, corner1);
+    const MappedRange y(map.mYx, map.mYy, map.mY, corner0, corner1);
+    if (x.mTrace + y.mTrace == 0.0) [[likely]] {
+        extent.addCorners(x.mMin, x.mMax, y.mMin, y.mMax);
+    } else {
+        addInfiniteRectangle(extent, map, corner0, corner1);
     }
 }
 
@@ -230,7 +267,7 @@ void addPath(Extent& extent, const Affine& map, const Path& path) {
     }
 }
 
-void addLeaf(Extent& extent, const Affine& map, const ItemInterface& item) {
+[[gnu::always_inline]] inline void addLeaf(Extent& extent, const Affine& map, const ItemInterface& item) {
     switch (item.getKind()) {
         case ItemInterface::Kind::Rect: {
             const auto& rect = static_cast<const Rect&>(item);
@@ -261,8 +298,13 @@ struct PendingItem {
 }  // namespace
 
 BoundingBox ComputeEstimatedBoundingBox(const ItemInterface& item, ItemFilter filter, const Transform* matrix) {
+    // Trees of the usual size need no memory of their own.
+    constexpr std::size_t usualGroupCount = 16;
+    alignas(PendingItem) std::array<std::byte, usualGroupCount * sizeof(PendingItem)> room;
+    std::pmr::monotonic_buffer_resource memory(room.data(), room.size());
+    std::pmr::vector<PendingItem> groups(&memory);
+    groups.reserve(usualGroupCount);
     Extent extent;
-    std::vector<PendingItem> groups;
     const auto visit = [&](const ItemInterface& visited, const Affine& outer) {
         if (filter != nullptr && !filter(visited)) {
             return;

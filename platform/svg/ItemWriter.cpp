@@ -8,7 +8,9 @@
 #include "platform/svg/XmlText_p.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstring>
 
 namespace kt::svg {
 
@@ -18,13 +20,20 @@ constexpr std::string_view sNone = "none";
 constexpr std::string_view sNotFinite = "a number is not finite";
 /// Room for a literal and four numbers.
 constexpr std::size_t sNumbersSize = 512;
+/// Texts up to this are copied together with their tag.
+constexpr std::size_t sShortTextSize = 512;
 /// Longer ids, classes and family names are nobody's.
 constexpr std::size_t sMaxNameSize = 1000;
 
-bool isHexDigit(char character) {
-    return (character >= '0' && character <= '9') || (character >= 'A' && character <= 'F') ||
-           (character >= 'a' && character <= 'f');
-}
+constexpr auto sIsHexDigit = [] {
+    std::array<bool, 256> table{};
+    for (const char digit : std::string_view("0123456789ABCDEFabcdef")) {
+        table[static_cast<unsigned char>(digit)] = true;
+    }
+    return table;
+}();
+
+bool isHexDigit(char character) { return sIsHexDigit[static_cast<unsigned char>(character)]; }
 
 bool isLetter(char character) {
     return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z');
@@ -40,7 +49,37 @@ bool isColor(std::string_view text) {
     return !text.empty() && text.size() <= maxWordSize && std::all_of(text.begin(), text.end(), isLetter);
 }
 
-bool isFinite(const Wm4::Vector2<float>& a) { return std::isfinite(a.x) && std::isfinite(a.y); }
+/// Spares the comparison's call for the usual spelling, "#RRGGBB".
+bool isSameColor(std::string_view a, std::string_view b) {
+    constexpr std::size_t usualSize = 7;
+    return a.size() == b.size() && (a.size() == usualSize ? std::memcmp(a.data(), b.data(), usualSize) == 0 : a == b);
+}
+
+/// A number that is not finite survives the product with zero.
+float getTrace(const Wm4::Vector2<float>& a) { return a.x * 0.0F + a.y * 0.0F; }
+
+/// Whether the numbers of an item that is no group are finite, its transform aside.
+bool hasFiniteGeometry(const ItemInterface& item) {
+    switch (item.getKind()) {
+        case ItemInterface::Kind::Node:
+            return true;
+        case ItemInterface::Kind::Rect: {
+            const auto& rect = static_cast<const Rect&>(item);
+            return getTrace(rect.getPosition()) + getTrace(rect.getSize()) == 0.0F;
+        }
+        case ItemInterface::Kind::Image: {
+            const auto& image = static_cast<const Image&>(item);
+            return getTrace(image.getPosition()) + getTrace(image.getSize()) == 0.0F;
+        }
+        case ItemInterface::Kind::Path:
+            return isFinite(static_cast<const Path&>(item));
+        case ItemInterface::Kind::Text: {
+            const auto& text = static_cast<const Text&>(item);
+            return getTrace(text.getPosition()) + getTrace({text.getSize(), text.getLength()}) == 0.0F;
+        }
+    }
+    return false;
+}
 
 std::string_view getName(ItemInterface::Kind kind) {
     switch (kind) {
@@ -60,19 +99,6 @@ std::string_view getName(ItemInterface::Kind kind) {
 
 char* putNumber(char* out, double value, int decimals) {
     return decimals == sCoordinateDecimals ? formatCoordinate(out, value) : formatNumber(out, value, decimals);
-}
-
-/// Whether a renderer would drop some of the text's blanks: all at its ends, and all but one in a row elsewhere.
-bool hasFragileBlanks(std::string_view text) {
-    bool isAfterBlank = true;
-    for (const char character : text) {
-        const bool isBlank = character == ' ';
-        if ((isBlank && isAfterBlank) || character == '\t' || character == '\n' || character == '\r') {
-            return true;
-        }
-        isAfterBlank = isBlank;
-    }
-    return isAfterBlank;
 }
 
 bool haveSameFont(const Text& a, const Text& b) {
@@ -96,34 +122,10 @@ std::string makeFontFamily(std::string_view font) {
 }  // namespace
 
 bool SvgWriter::isWritable(const ItemInterface& item) {
-    if (item.getTransform() && !Affine(*item.getTransform()).isFinite()) {
-        return false;
-    }
-    switch (item.getKind()) {
-        case ItemInterface::Kind::Node:
-            return true;
-        case ItemInterface::Kind::Rect: {
-            const auto& rect = static_cast<const Rect&>(item);
-            return isFinite(rect.getPosition()) && isFinite(rect.getSize());
-        }
-        case ItemInterface::Kind::Image: {
-            const auto& image = static_cast<const Image&>(item);
-            return isFinite(image.getPosition()) && isFinite(image.getSize());
-        }
-        case ItemInterface::Kind::Path:
-            return svg::isFinite(static_cast<const Path&>(item));
-        case ItemInterface::Kind::Text: {
-            const auto& text = static_cast<const Text&>(item);
-            return isFinite(text.getPosition()) && std::isfinite(text.getSize()) && std::isfinite(text.getLength());
-        }
-    }
-    return false;
+    return (!item.getTransform() || Affine(*item.getTransform()).isFinite()) && hasFiniteGeometry(item);
 }
 
-int getDecimals(double scale) {
-    if (scale == 1.0) {
-        return sCoordinateDecimals;
-    }
+int getScaledDecimals(double scale) {
     // Rotations have a scale of 1 with the rounding of their sine and cosine.
     constexpr double rounding = 1e-6;
     const double digits = std::ceil(std::log10(scale) - rounding);
@@ -144,9 +146,12 @@ Paint ItemWriter::getPaint(const ItemInterface& item, const Paint& inherited) {
         return paint;
     }
     const auto choose = [this](const std::optional<std::string>& own, std::string_view& color) {
-        if (own && isColor(*own)) {
+        if (!own || isSameColor(*own, color)) {
+            return;
+        }
+        if (isColor(*own)) {
             color = *own;
-        } else if (own) {
+        } else {
             warn("a colour", "it is neither a word nor #RRGGBB");
         }
     };
@@ -180,19 +185,22 @@ void ItemWriter::appendTransform(const Affine& map, double outerScale) {
     mBuffer.commit(putLiteral(out, ")\""));
 }
 
-void ItemWriter::appendPaint(const Paint& paint, const Paint& written) {
-    char* out = mBuffer.reserve(sNumbersSize);
-    if (paint.mColor != written.mColor) {
+char* ItemWriter::putPaint(char* out, const Paint& paint, const Paint& written) {
+    if (!isSameColor(paint.mColor, written.mColor)) {
         out = putLiteral(out, " fill=\"");
         out = putText(out, paint.mColor);
         *out++ = '"';
     }
-    if (paint.mOutlineColor != written.mOutlineColor) {
+    if (!isSameColor(paint.mOutlineColor, written.mOutlineColor)) {
         out = putLiteral(out, " stroke=\"");
         out = putText(out, paint.mOutlineColor);
         *out++ = '"';
     }
-    mBuffer.commit(out);
+    return out;
+}
+
+void ItemWriter::appendPaint(const Paint& paint, const Paint& written) {
+    mBuffer.commit(putPaint(mBuffer.reserve(sNumbersSize), paint, written));
 }
 
 void ItemWriter::appendNames(const ItemInterface& item) {
@@ -238,7 +246,8 @@ void ItemWriter::appendCommon(const ItemInterface& item, const Affine& map, cons
 
 void ItemWriter::writeItem(const ItemInterface& item, const WriteContext& context) {
     const Affine map = item.getTransform() ? context.mMap * Affine(*item.getTransform()) : context.mMap;
-    if (!SvgWriter::isWritable(item) || !map.isFinite()) {
+    // A transform of the item's own that is not finite leaves its trace in the product.
+    if (!hasFiniteGeometry(item) || !map.isFinite()) {
         warn(getName(item.getKind()), sNotFinite);
         return;
     }
@@ -358,21 +367,22 @@ void ItemWriter::writeText(const Text& text, const Affine& map, const WriteConte
         mWarnings.emplace_back("a text stays text: its glyphs have no outlines");
     }
     const Placement placement = place(map, context.mScale);
+    const TextScan scan = scanText(text.getText());
     char* out = putLiteral(mBuffer.reserve(sNumbersSize), "<text x=\"");
     out = putNumber(out, static_cast<double>(text.getPosition().x) + placement.mX, placement.mDecimals);
     out = putLiteral(out, "\" y=\"");
     out = putNumber(out, static_cast<double>(text.getPosition().y) + placement.mY, placement.mDecimals);
     *out++ = '"';
-    mBuffer.commit(out);
     if (context.mFont == nullptr || placement.mIsTransformed || !haveSameFont(*context.mFont, text)) {
+        mBuffer.commit(out);
         appendFont(text, placement.mDecimals);
         // What the groups say of weight and style must not reach this text.
         if (context.mFont != nullptr) {
             mBuffer.append(context.mFont->isBold() && !text.isBold() ? " font-weight=\"normal\"" : "");
             mBuffer.append(context.mFont->isItalic() && !text.isItalic() ? " font-style=\"normal\"" : "");
         }
+        out = mBuffer.reserve(sNumbersSize);
     }
-    out = mBuffer.reserve(sNumbersSize);
     if (text.getLength() > 0.0F) {
         out = putLiteral(out, " textLength=\"");
         out = putNumber(out, static_cast<double>(text.getLength()), placement.mDecimals);
@@ -382,16 +392,23 @@ void ItemWriter::writeText(const Text& text, const Affine& map, const WriteConte
         // The end of right-to-left text is its left edge, where the position is.
         out = putLiteral(out, " direction=\"rtl\" unicode-bidi=\"embed\" text-anchor=\"end\"");
     }
-    if (hasFragileBlanks(text.getText())) {
+    if (scan.mHasFragileBlanks) {
         out = putLiteral(out, " xml:space=\"preserve\"");
     }
     mBuffer.commit(out);
     // Letters have no outline: groups give theirs to frames and lines.
     const Paint paint{getPaint(text, context.mInherited).mColor, sNone};
     appendCommon(text, map, placement, paint, context);
-    mBuffer.append(">");
-    appendXmlText(mBuffer, text.getText(), XmlContext::Content);
-    mBuffer.append("</text>\n");
+    if (scan.mIsPlain && text.getText().size() <= sShortTextSize) {
+        out = mBuffer.reserve(sShortTextSize + sNumbersSize);
+        *out++ = '>';
+        out = putText(out, text.getText());
+        mBuffer.commit(putLiteral(out, "</text>\n"));
+    } else {
+        mBuffer.append(">");
+        appendXmlText(mBuffer, text.getText(), XmlContext::Content);
+        mBuffer.append("</text>\n");
+    }
 }
 
 void ItemWriter::writeOutlines(const Text& text, const Affine& map, const WriteContext& context) {

@@ -6,6 +6,7 @@
 #include "platform/svg/Affine_p.h"
 #include "platform/svg/GlyphDefinitions_p.h"
 #include "platform/svg/GlyphSource.h"
+#include "platform/svg/NumberFormat_p.h"
 #include "platform/svg/SvgWriter.h"
 #include "platform/svg/TextBuffer_p.h"
 
@@ -20,7 +21,6 @@ namespace kt::svg {
 class Image;
 class Path;
 class Rect;
-
 class Text;
 
 /// Fill and outline colour.
@@ -38,8 +38,10 @@ struct WriteContext {
     const Text* mFont = nullptr;  ///< one whose font the open groups have in the file; null: none
 };
 
+int getScaledDecimals(double scale);
+
 /// Decimals that keep coordinates within their tolerance when they are scaled so.
-int getDecimals(double scale);
+inline int getDecimals(double scale) { return scale == 1.0 ? sCoordinateDecimals : getScaledDecimals(scale); }
 
 /// Writes rectangles, images, paths and texts as elements, and what all elements share. Holds what must be known about
 /// the whole file: ids, glyphs and warnings.
@@ -85,6 +87,7 @@ private:
     void writeOutlines(const Text& text, const Affine& map, const WriteContext& context);
     void writeGlyph(const PlacedGlyph& glyph, double runScale, int decimals);
 
+    static char* putPaint(char* out, const Paint& paint, const Paint& written);
     void appendBox(std::string_view start, const Wm4::Vector2<float>& position, const Wm4::Vector2<float>& size,
                    const Placement& placement);
     void appendOutlineStyle(const ItemInterface& item);

@@ -31,11 +31,12 @@ constexpr auto sIntegerGroups = [] {
     return groups;
 }();
 
-/// 0 to 999 as thousandths without trailing zeros.
+/// 0 to 999 with leading zeros; as thousandths without trailing zeros they take so many characters behind the number,
+/// the point counted.
 constexpr auto sFractionGroups = [] {
     std::array<DigitGroup, 1000> groups{};
     for (int value = 0; value < 1000; ++value) {
-        const int length = value == 0 ? 0 : (value % 100 == 0 ? 1 : (value % 10 == 0 ? 2 : 3));
+        const int length = value == 0 ? 0 : (value % 100 == 0 ? 2 : (value % 10 == 0 ? 3 : 4));
         groups[static_cast<std::size_t>(value)] = {digit(value / 100), digit(value / 10 % 10), digit(value % 10),
                                                    static_cast<char>(length)};
     }
@@ -53,6 +54,13 @@ char* writeInteger(char* out, std::uint64_t value) {
         const DigitGroup& group = sIntegerGroups[value];
         std::memcpy(out, group.data(), group.size());
         return out + group[3];
+    }
+    if (value < 1'000'000) {
+        const DigitGroup& thousands = sIntegerGroups[value / 1000];
+        const DigitGroup& rest = sFractionGroups[value % 1000];
+        std::memcpy(out, thousands.data(), thousands.size());
+        std::memcpy(out + thousands[3], rest.data(), rest.size());
+        return out + thousands[3] + 3;
     }
     return std::to_chars(out, out + sMaxNumberLength, value).ptr;
 }
@@ -98,7 +106,7 @@ char* formatCoordinate(char* out, double value) {
     const DigitGroup& fraction = sFractionGroups[thousandths % 1000];
     *out = '.';
     std::memcpy(out + 1, fraction.data(), fraction.size());
-    return out + fraction[3] + static_cast<int>(fraction[3] != 0);
+    return out + fraction[3];
 }
 
 char* formatNumber(char* out, double value, int decimals) {

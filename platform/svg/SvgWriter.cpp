@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
-#include <optional>
 #include <utility>
 
 namespace kt::svg {
@@ -68,6 +67,16 @@ const Text* findCommonFont(const Node& node) {
     return hasOthers ? static_cast<const Text*>(first->get()) : nullptr;
 }
 
+/// Whether the product of both maps is a translation.
+bool isUndone(const Affine& outer, const Transform& inner) {
+    const auto xx = static_cast<double>(inner.mMatrix(0, 0));
+    const auto xy = static_cast<double>(inner.mMatrix(0, 1));
+    const auto yx = static_cast<double>(inner.mMatrix(1, 0));
+    const auto yy = static_cast<double>(inner.mMatrix(1, 1));
+    return outer.mXx * xx + outer.mXy * yx == 1.0 && outer.mXx * xy + outer.mXy * yy == 0.0 &&
+           outer.mYx * xx + outer.mYy * yx == 0.0 && outer.mYx * xy + outer.mYy * yy == 1.0;
+}
+
 /// Whether the group's transform vanishes into its children: they are texts that stand upright only with it.
 bool isUndoneByChildren(const Affine& map, const Node& node) {
     return std::all_of(node.getChildren().begin(), node.getChildren().end(), [&](const auto& child) {
@@ -75,7 +84,7 @@ bool isUndoneByChildren(const Affine& map, const Node& node) {
             return true;
         }
         return child->getKind() == ItemInterface::Kind::Text && child->getTransform() &&
-               (map * Affine(*child->getTransform())).isTranslation();
+               isUndone(map, *child->getTransform());
     });
 }
 
@@ -121,7 +130,8 @@ private:
     /// The attributes of the root element that are known at the end.
     std::string makeView(const BoundingBox& viewBox) const;
     WriteContext getContext() const;
-    std::optional<TreeGroup> enter(const Node& node, const WriteContext& context);
+    /// Opens a group of the tree, unless there is nothing to write in it.
+    void enter(const Node& node, const WriteContext& outer);
     void leave(const TreeGroup& group);
     /// Ends the innermost element; false when it held nothing and was taken back.
     bool closeElement(std::size_t start, std::size_t contentStart);
@@ -277,18 +287,17 @@ void SvgWriter::Document::endLines() {
     }
 }
 
-std::optional<SvgWriter::Document::TreeGroup> SvgWriter::Document::enter(const Node& node, const WriteContext& outer) {
+void SvgWriter::Document::enter(const Node& node, const WriteContext& outer) {
     if (node.getChildren().empty()) {
-        return std::nullopt;
+        return;
     }
     prefetch(node);
-    TreeGroup group{&node, 0, outer, mBuffer.getSize(), 0, false};
-    WriteContext& context = group.mContext;
+    WriteContext context = outer;
     if (node.getTransform()) {
         context.mMap = outer.mMap * Affine(*node.getTransform());
         if (!context.mMap.isFinite()) {
             mItems.warn("a group", "a number is not finite");
-            return std::nullopt;
+            return;
         }
     }
     context.mInherited = mItems.getPaint(node, outer.mInherited);
@@ -301,8 +310,10 @@ std::optional<SvgWriter::Document::TreeGroup> SvgWriter::Document::enter(const N
     const bool hasColor = isForMany && node.getColor() && context.mInherited.mColor != outer.mWritten.mColor;
     const bool hasTransform = isForMany && !context.mMap.isTranslation() && !isUndoneByChildren(context.mMap, node);
     if (!canOpen() || !(hasNames || hasColor || hasTransform || font != nullptr)) {
-        return group;
+        mTreeGroups.push_back({&node, 0, context, 0, 0, false});
+        return;
     }
+    const std::size_t start = mBuffer.getSize();
     mBuffer.append("<g");
     if (hasTransform) {
         mItems.appendTransform(context.mMap, outer.mScale);
@@ -319,10 +330,8 @@ std::optional<SvgWriter::Document::TreeGroup> SvgWriter::Document::enter(const N
     }
     mItems.appendNames(node);
     mBuffer.append(">\n");
-    group.mContentStart = mBuffer.getSize();
-    group.mIsOpen = true;
     ++mDepth;
-    return group;
+    mTreeGroups.push_back({&node, 0, context, start, mBuffer.getSize(), true});
 }
 
 void SvgWriter::Document::leave(const TreeGroup& group) {
@@ -337,10 +346,10 @@ void SvgWriter::Document::leave(const TreeGroup& group) {
 
 void SvgWriter::Document::writeTree(const ItemInterface& item, const Affine& placement) {
     const auto visit = [this](const ItemInterface& visited, const WriteContext& context) {
-        if (visited.getKind() != ItemInterface::Kind::Node) {
+        if (visited.getKind() == ItemInterface::Kind::Node) {
+            enter(static_cast<const Node&>(visited), context);
+        } else {
             mItems.writeItem(visited, context);
-        } else if (const std::optional<TreeGroup> group = enter(static_cast<const Node&>(visited), context)) {
-            mTreeGroups.push_back(*group);
         }
     };
 

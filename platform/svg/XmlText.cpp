@@ -11,41 +11,75 @@ namespace kt::svg {
 
 namespace {
 
+/// U+FFFD.
+constexpr char sReplacement[] = "\xEF\xBF\xBD";
+
 constexpr std::uint64_t sOnes = 0x0101010101010101U;
 constexpr std::uint64_t sHighBits = 0x8080808080808080U;
+constexpr std::size_t sBlockSize = sizeof(std::uint64_t);
+
+/// Texts are written in pieces of so many bytes, so that room for the longest spelling of a piece is reserved at once.
+constexpr std::size_t sPieceSize = 256;
+constexpr std::size_t sMaxSpelling = std::string_view("&quot;").size();
+static_assert(sPieceSize * sMaxSpelling <= TextBuffer::sMaxReserve);
 
 constexpr std::uint64_t repeat(char character) { return sOnes * static_cast<unsigned char>(character); }
 
 /// Marks zero bytes; exact as to whether there is one.
 constexpr std::uint64_t findZero(std::uint64_t bytes) { return (bytes - sOnes) & ~bytes & sHighBits; }
 
+/// Marks zero bytes and no others.
+constexpr std::uint64_t findZeros(std::uint64_t bytes) {
+    return ~(((bytes & ~sHighBits) + ~sHighBits) | bytes) & sHighBits;
+}
+
 constexpr bool isPlain(unsigned char byte) {
     return byte >= 0x20 && byte < 0x80 && byte != '&' && byte != '<' && byte != '>' && byte != '"';
 }
 
-/// Whether eight bytes are all plain ASCII that may be copied.
-bool arePlain(std::uint64_t bytes) {
-    const std::uint64_t controls = (bytes - sOnes * 0x20U) & ~bytes & sHighBits;
-    const std::uint64_t specials = findZero(bytes ^ repeat('&')) | findZero(bytes ^ repeat('<')) |
-                                   findZero(bytes ^ repeat('>')) | findZero(bytes ^ repeat('"'));
-    return ((bytes & sHighBits) | controls | specials) == 0;
+constexpr auto sIsPlain = [] {
+    std::array<bool, 256> table{};
+    for (std::size_t byte = 0; byte < table.size(); ++byte) {
+        table[byte] = isPlain(static_cast<unsigned char>(byte));
+    }
+    return table;
+}();
+
+/// Marks bytes below 0x20; exact as to whether there is one.
+constexpr std::uint64_t findControl(std::uint64_t bytes) { return (bytes - sOnes * 0x20U) & ~bytes & sHighBits; }
+
+/// Marks bytes that are not plain; exact as to whether there is one.
+constexpr std::uint64_t findSpecial(std::uint64_t bytes) {
+    // One bit tells '&' from '"' and another one '>' from '<': with the bit set, both are found at once.
+    static_assert(('"' | 4) == '&' && ('<' | 2) == '>');
+    return (bytes & sHighBits) | findControl(bytes) | findZero((bytes | sOnes * 4U) ^ repeat('&')) |
+           findZero((bytes | sOnes * 2U) ^ repeat('>'));
 }
 
-std::size_t countPlain(const char* text, std::size_t size) {
-    std::size_t count = 0;
-    while (size - count >= sizeof(std::uint64_t)) {
-        std::uint64_t bytes = 0;
-        std::memcpy(&bytes, text + count, sizeof(bytes));
-        if (!arePlain(bytes)) {
-            break;
-        }
-        count += sizeof(bytes);
-    }
-    while (count < size && isPlain(static_cast<unsigned char>(text[count]))) {
-        ++count;
-    }
-    return count;
+std::uint64_t loadBlock(const char* text) {
+    std::uint64_t bytes = 0;
+    std::memcpy(&bytes, text, sizeof(bytes));
+    return bytes;
 }
+
+/// A text of fewer than eight bytes, some of them twice. Neighbours that are none in the text are its last and its
+/// first byte.
+std::uint64_t loadShort(std::string_view text) {
+    constexpr std::size_t half = sBlockSize / 2;
+    if (text.size() >= half) {
+        std::array<char, sBlockSize> block;
+        std::memcpy(block.data(), text.data() + text.size() - half, half);
+        std::memcpy(block.data() + half, text.data(), half);
+        return loadBlock(block.data());
+    }
+    std::uint64_t bytes = repeat('.');
+    for (const char character : text) {
+        bytes = bytes << 8U | static_cast<unsigned char>(character);
+    }
+    return bytes;
+}
+
+bool hasWhiteControl(std::string_view text) { return text.find_first_of("\t\n\r") != std::string_view::npos; }
 
 /// A sequence of bytes that begins with one of 0x80 and above.
 struct Sequence {
@@ -84,49 +118,84 @@ Sequence readSequence(const char* text, std::size_t size) {
     return {length, !isNoncharacter};
 }
 
-std::string_view replaceAscii(char character, XmlContext context) {
+/// Writes an ASCII character that is not plain.
+char* putSpecial(char* out, char character, XmlContext context) {
+    const bool isAttribute = context == XmlContext::Attribute;
     switch (character) {
         case '&':
-            return "&amp;";
+            return putLiteral(out, "&amp;");
         case '<':
-            return "&lt;";
+            return putLiteral(out, "&lt;");
         case '>':
-            return "&gt;";
+            return putLiteral(out, "&gt;");
         case '"':
-            return context == XmlContext::Attribute ? "&quot;" : "\"";
+            return isAttribute ? putLiteral(out, "&quot;") : putLiteral(out, "\"");
         case '\t':
-            return context == XmlContext::Attribute ? "&#9;" : "\t";
+            return isAttribute ? putLiteral(out, "&#9;") : putLiteral(out, "\t");
         case '\n':
-            return context == XmlContext::Attribute ? "&#10;" : "\n";
+            return isAttribute ? putLiteral(out, "&#10;") : putLiteral(out, "\n");
         case '\r':
             // Parsers turn a bare one into a line feed.
-            return "&#13;";
+            return putLiteral(out, "&#13;");
         default:
-            return "\xEF\xBF\xBD";
+            return putLiteral(out, sReplacement);
     }
+}
+
+/// @param out  room for sMaxSpelling characters for each byte.
+char* putXmlText(char* out, std::string_view text, XmlContext context) {
+    const char* in = text.data();
+    const char* const end = in + text.size();
+    while (in != end) {
+        for (; static_cast<std::size_t>(end - in) >= sBlockSize && findSpecial(loadBlock(in)) == 0; in += sBlockSize) {
+            std::memcpy(out, in, sBlockSize);
+            out += sBlockSize;
+        }
+        while (in != end && sIsPlain[static_cast<unsigned char>(*in)]) {
+            *out++ = *in++;
+        }
+        if (in == end) {
+            break;
+        }
+        if (static_cast<unsigned char>(*in) < 0x80) {
+            out = putSpecial(out, *in++, context);
+            continue;
+        }
+        const Sequence sequence = readSequence(in, static_cast<std::size_t>(end - in));
+        out = sequence.mIsCharacter ? std::copy_n(in, sequence.mLength, out) : putLiteral(out, sReplacement);
+        in += sequence.mLength;
+    }
+    return out;
 }
 
 }  // namespace
 
+TextScan scanText(std::string_view text) {
+    std::uint64_t specials = 0;
+    std::uint64_t controls = 0;
+    std::uint64_t blankPairs = 0;
+    const auto scanBlock = [&](std::uint64_t bytes) {
+        specials |= findSpecial(bytes);
+        controls |= findControl(bytes);
+        const std::uint64_t blanks = findZeros(bytes ^ repeat(' '));
+        blankPairs |= blanks & (blanks >> 8U);
+    };
+    // Blocks overlap by a byte at least, so that each pair of neighbours lies in one.
+    std::size_t position = 0;
+    for (; position + sBlockSize < text.size(); position += sBlockSize - 1) {
+        scanBlock(loadBlock(text.data() + position));
+    }
+    scanBlock(text.size() >= sBlockSize ? loadBlock(text.data() + text.size() - sBlockSize) : loadShort(text));
+    // A pair of the last and the first blank needs no thought: blanks at the ends are fragile, too.
+    const bool isBlankAtEnd = text.empty() || text.front() == ' ' || text.back() == ' ';
+    return {specials == 0, isBlankAtEnd || blankPairs != 0 || (controls != 0 && hasWhiteControl(text))};
+}
+
 void appendXmlText(TextBuffer& buffer, std::string_view text, XmlContext context) {
     while (!text.empty()) {
-        std::size_t clean = countPlain(text.data(), text.size());
-        while (clean < text.size() && static_cast<unsigned char>(text[clean]) >= 0x80) {
-            const Sequence sequence = readSequence(text.data() + clean, text.size() - clean);
-            if (!sequence.mIsCharacter) {
-                break;
-            }
-            clean += sequence.mLength;
-            clean += countPlain(text.data() + clean, text.size() - clean);
-        }
-        buffer.append(text.substr(0, clean));
-        text.remove_prefix(clean);
-        if (text.empty()) {
-            return;
-        }
-        const bool isAscii = static_cast<unsigned char>(text.front()) < 0x80;
-        buffer.append(replaceAscii(isAscii ? text.front() : '\0', context));
-        text.remove_prefix(isAscii ? 1 : readSequence(text.data(), text.size()).mLength);
+        const std::string_view piece = cutUtf8(text, sPieceSize);
+        buffer.commit(putXmlText(buffer.reserve(sPieceSize * sMaxSpelling), piece, context));
+        text.remove_prefix(piece.size());
     }
 }
 

@@ -17,8 +17,15 @@ enum class XmlContext {
 
 /// Appends any bytes as well-formed XML text that a parser reads back as the same characters. What XML cannot hold
 /// (control characters other than tab, line feed and carriage return, bytes that are no UTF-8, surrogates, U+FFFE and
-/// U+FFFF) becomes U+FFFD. Text that needs no change is copied in runs.
+/// U+FFFF) becomes U+FFFD.
 void appendXmlText(TextBuffer& buffer, std::string_view text, XmlContext context);
+
+/// What writing a text needs to know beforehand.
+struct TextScan {
+    bool mIsPlain;           ///< well-formed character data as it is, between tags and inside quotes
+    bool mHasFragileBlanks;  ///< a renderer would drop some: all at the ends, and all but one in a row elsewhere
+};
+TextScan scanText(std::string_view text);
 
 /// The longest beginning of text that has at most this many bytes and does not end inside a character.
 std::string_view cutUtf8(std::string_view text, std::size_t size);
