@@ -18,6 +18,8 @@ constexpr std::size_t sStreamedSize = 8U << 20U;
 /// How far ahead of the reads streamed mappings ask for their input, in bytes.
 constexpr std::size_t sPrefetchDistance = 1024;
 
+VectorLevel sWidestVectors = VectorLevel::Avx512;
+
 /// Stores a vector; a streamed one goes past the caches and needs a target aligned to its size.
 template <bool IsStreamed, typename Vector, typename Real>
 [[gnu::always_inline]] inline void storeVector(const Vector& vector, Real* target) {
@@ -322,12 +324,13 @@ template <bool IsStreamed, typename Real, typename Step>
     mapPacks<PointPack<Real, 2>, IsStreamed>(step, count, in, out);
 }
 
-/// Maps with the widest vectors that the processor has; false when it has only those of every processor.
+/// Maps with the widest vectors that the processor has and the limit allows; false when those are the ones of every
+/// processor.
 template <bool IsStreamed, typename Real, typename Step>
 bool mapWide(const Step& step, std::size_t count, const Vector3<Real>* in, Vector3<Real>* out) {
-    if (__builtin_cpu_supports("avx512f") != 0) {
+    if (sWidestVectors >= VectorLevel::Avx512 && __builtin_cpu_supports("avx512f") != 0) {
         mapAvx512<IsStreamed>(step, count, in, out);
-    } else if (__builtin_cpu_supports("avx2") != 0) {
+    } else if (sWidestVectors >= VectorLevel::Avx2 && __builtin_cpu_supports("avx2") != 0) {
         mapAvx2<IsStreamed>(step, count, in, out);
     } else {
         return false;
@@ -394,6 +397,8 @@ void mapBackward(const BackwardMap<Real>& map, std::size_t count, const Vector3<
 }
 
 }  // namespace
+
+void limitVectors(VectorLevel widest) { sWidestVectors = widest; }
 
 void copyPoints(std::size_t count, const Vector3<float>* in, Vector3<float>* out) { copy(count, in, out); }
 

@@ -10,6 +10,13 @@
 
 namespace kt::impl {
 
+/// Kinds of vectors that mappings are made with, the wider ones where the processor has them.
+enum class VectorLevel { Every, Avx2, Avx512 };
+
+/// Keeps mappings from using wider vectors than these, so that tests see the narrower ones at work. Not to be called
+/// while other threads map.
+void limitVectors(VectorLevel widest);
+
 /// matrix (scale * X) + translate; the scale and the translation are left out when null. Referenced values are only
 /// used during the call they are passed to.
 template <typename Real>

@@ -307,16 +307,4 @@ TYPED_TEST(TransformationMapping, HomogeneousMatrixIsDecomposed) {
               Vector(0, Real(0.0011), 0));
 }
 
-// The frame of a default annotation plane is built through the writable matrix and must come out as the identity.
-TEST(TransformationFrame, CrossProductOfDefaultAxesIsPositiveZero) {
-    const Wm4::Vector3<float> axis = Wm4::Vector3<float>::UNIT_X;
-    const Wm4::Vector3<float> normal = Wm4::Vector3<float>::UNIT_Z;
-    kt::ktGenericTransformation<float> frame;
-    frame.GetRotate().SetColumn(0, axis);
-    frame.GetRotate().SetColumn(1, normal.Cross(axis));
-    frame.GetRotate().SetColumn(2, normal);
-    frame.recomputeIsIdentity();
-    EXPECT_TRUE(frame.IsIdentity());
-}
-
 }  // namespace
