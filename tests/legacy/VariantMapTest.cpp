@@ -2,6 +2,7 @@
 #include "platform/system/ktVariantMapImpl.h"
 #include "tests/legacy/LegacyLibraryTest.h"
 
+#include <fstream>
 #include <span>
 #include <vector>
 
@@ -11,16 +12,13 @@ namespace {
 using ktTest::show;
 using Messages = std::vector<std::string>;
 
-constexpr kt::ktStreamVersion s6_16{6, 16};
-constexpr kt::ktStreamVersion s6_17{6, 17};
 constexpr kt::ktStreamVersion s6_21{6, 21};
 constexpr kt::ktStreamVersion s6_22{6, 22};
 
 class VariantMap : public ktTest::LegacyLibraryTest {};
 
-/// The map of a JSON object; quotes may be written as apostrophes.
-kt::ktVariant::ktVariantMapImpl parse(std::string json) {
-    std::replace(json.begin(), json.end(), '\'', '"');
+/// The map of a JSON object.
+kt::ktVariant::ktVariantMapImpl parse(const std::string& json) {
     kt::ktVariant value;
     kt::ktJsonError error;
     EXPECT_TRUE(kt::ktJsonReader().parse(std::as_bytes(std::span(json)), value, error)) << json << error.mMessage;
@@ -36,71 +34,56 @@ std::string join(std::string text, const Messages& messages) {
 }
 
 /// Reads a JSON object into an annotation; tells the annotation, whether it was refused and all messages.
-std::string readInto(ktAnnotationInterface& annotation, const std::string& json, kt::ktStreamVersion version = s6_22) {
+std::string readInto(ktAnnotationInterface& annotation, std::string json, kt::ktStreamVersion version = s6_22) {
+    std::replace(json.begin(), json.end(), '\'', '"');
     Messages errors;
     const bool isUsable = annotation.loadFromVariant(parse(json), version, errors);
     return join((isUsable ? "" : "refused ") + show(annotation), errors);
 }
-template <typename Annotation>
-std::string read(const std::string& json, kt::ktStreamVersion version) {
-    const ktPointer<Annotation> annotation(new Annotation);
-    return readInto(*annotation, json, version);
-}
-std::string readRaster(const std::string& json, kt::ktStreamVersion version = s6_22) {
-    return read<ktAnnotationRaster>(json, version);
-}
-std::string readText(const std::string& json, kt::ktStreamVersion version = s6_22) {
-    return read<ktAnnotationText>(json, version);
-}
 
-struct Row {
-    std::string mJson;
-    std::string mResult;
-};
-
-TEST_F(VariantMap, BaseKeysAreReadAndReportedInOrder) {
-    EXPECT_EQ(readText("{'name': 'new'}", s6_16), "refused text; invalid version for annotation interface");
-    EXPECT_EQ(readText("{'name': 'new', 'lines': []}", s6_17), "text 'new'");
-    const std::string lost = "{'name': 'n', 'color': '010203', 'leaders': 5, 'frameshape': 'circle', 'position': ";
-    const std::string noPosition = "refused raster 'n' rgb(1 2 3); invalid 'position' field";
-    const std::string size = "{'name': 'n', 'rastername': 'r', 'sizeem': ";
-    for (const auto& [json, result] : std::vector<Row>{
-             {"{'name': 5.5, 'color': 'Ff8000', 'position': [1, 2.5, -3], 'isframelocked': true, 'isignoreztest': '1',"
-              "'isscalelocked': 0, 'frameshape': 'oblongright', 'metadata': {'k': 1}, 'Name': 'another key',"
-              "'rastername': 7, 'sizeem': ['2', true]}",
-              "raster '5.5' at(1 2.5 -3) rgb(255 128 0) flagsae k=1 image'7'2x1"},
-             {"{'isscalelocked': true, 'frameshape': 'noframe'}", "raster flags40"},
-             {lost + "[1, 2]}", noPosition},
-             {lost + "[1, 2, 3, 4]}", noPosition},
-             {lost + "[1, 2, '3']}", noPosition},
-             {lost + "[1, 2, true]}", noPosition},
-             {lost + "'x'}", noPosition},
-             {lost + "null}", noPosition},
-             {lost + "{}}", noPosition},
-             {size + "2}", "refused raster 'n'; invalid 'sizeem' field"},
-             {size + "[2]}", "refused raster 'n'; invalid 'sizeem' length"},
-             {size + "[1, 2, 3]}", "refused raster 'n'; invalid 'sizeem' length"}}) {
-        EXPECT_EQ(readRaster(json), result) << json;
+/// Reads the documents of a case, "version JSON" each, and tells what they make.
+std::string readCase(const std::string& kind, const std::vector<std::string>& documents) {
+    Messages errors;
+    if (kind == "view") {
+        const ViewPointer view = ktAnnotationView::FromVariantMap(parse(documents.at(0)), errors);
+        return join(show(view), errors);
     }
-    EXPECT_EQ(readText("{'childs': [{'type': 'Text'}], 'color': 'x', 'defaulttextprop': 1, 'leaders': 1, 'text': 'z',"
-                       "'measures': [1], 'lines': ['x', [1, {'text': 'y'}], 2, []]}"),
-              "text |y |; invalid 'color' field; invalid 'leaders' field; invalid 'measures' field content; invalid "
-              "annotation type; invalid 'defaulttextprop' field; invalid line; invalid segment; invalid line");
+    AnnotationPointer annotation(new ktAnnotationRaster);
+    if (kind == "text") {
+        annotation = new ktAnnotationText;
+    }
+    bool isUsable = true;
+    for (const std::string& document : documents) {
+        const std::size_t blank = document.find(' ');
+        const kt::ktStreamVersion version(document.substr(0, blank));
+        isUsable = annotation->loadFromVariant(parse(document.substr(blank)), version, errors);
+    }
+    return join((isUsable ? "" : "refused ") + show(annotation), errors);
 }
 
-TEST_F(VariantMap, AbsentKeysMeanTheirDefaults) {
-    ktAnnotationRaster raster;
-    readInto(raster,
-             "{'name': 'n', 'color': '010203', 'position': [1, 2, 3], 'leaders': [{}], 'measures': [],"
-             "'metadata': {'k': 1}, 'rastername': 'r', 'sizeem': [2, 3]}");
-    raster.setFlags(0xFF);
-    EXPECT_EQ(readInto(raster, "{}"), "raster at(1 2 3) rgb(1 2 3) image''2x3");
+TEST_F(VariantMap, IsReadAsTheCasesSay) {
+    std::ifstream file(KT_SOURCE_DIR "/tests/data/legacy/variant_maps.txt");
+    std::string name;
+    std::vector<std::string> documents;
+    int count = 0;
+    for (std::string line; std::getline(file, line);) {
+        if (line.starts_with("== ")) {
+            name = line.substr(3);
+            documents.clear();
+        } else if (line.starts_with("= ")) {
+            EXPECT_EQ(readCase(name.substr(0, name.find(':')), documents), line.substr(2)) << name;
+            ++count;
+        } else if (!line.empty() && !name.empty()) {
+            documents.push_back(line);
+        }
+    }
+    EXPECT_GT(count, 40);
 }
 
 TEST_F(VariantMap, ColoursAreParsedLeniently) {
     const std::string kept = "raster rgb(9 9 9)";
     const std::string refused = kept + "; invalid 'color' field";
-    const std::vector<Row> rows = {
+    const std::pair<std::string, std::string> rows[] = {
         {"'FF8000'", "raster rgb(255 128 0)"},
         {"'000000'", "raster rgb(0 0 0)"},
         {"'00000g'", refused},
@@ -150,73 +133,23 @@ TEST_F(VariantMap, WordsAreComparedExactly) {
     for (const auto& vocabulary : vocabularies) {
         std::istringstream words(vocabulary.mWords);
         for (std::string word, code; words >> word >> code;) {
-            EXPECT_EQ(readRaster(vocabulary.mStart + word + vocabulary.mEnd, vocabulary.mVersion),
+            EXPECT_EQ(readInto(*ktPointer<ktAnnotationRaster>(new ktAnnotationRaster),
+                               vocabulary.mStart + word + vocabulary.mEnd, vocabulary.mVersion),
                       vocabulary.mShown + code + vocabulary.mShownEnd)
                 << word;
         }
     }
 }
 
-TEST_F(VariantMap, LeadersFollowTheVersion) {
-    const std::string content = "; invalid 'leaders' field content";
-    EXPECT_EQ(readRaster("{'leaders': [[1, 2, 3], 'x', [1, 2], {'pos': [1, 2, 3]}]}", s6_21),
-              "raster leader(1 2 3)0" + content + content + content);
-    EXPECT_EQ(readRaster("{'leaders': [{'pos': [1, 2], 'head': 'arrow'}, [1, 2, 3], {'pos': [4, 5, 6]}]}"),
-              "raster leader(0 0 0)3 leader(4 5 6)0" + content);
-
-    // A rejected measure leader keeps what was valid.
+TEST_F(VariantMap, RejectedMeasureLeadersKeepWhatWasValid) {
     ktAnnotationInterface::MeasureLeader measure;
-    EXPECT_FALSE(measure.loadFromVariant(parse("{'A': [1, 2, 3], 'B': [1, 2], 'arrowdir': 'inout'}"), s6_22));
+    EXPECT_FALSE(measure.loadFromVariant(parse(R"({"A": [1, 2, 3], "B": [1, 2], "arrowdir": "inout"})"), s6_22));
     EXPECT_EQ(measure.mPointA, Point(1, 2, 3));
     EXPECT_EQ(measure.mArrowDirection, ktAnnotationInterface::MeasureLeader::ArrowsInOut);
     EXPECT_EQ(measure.mOffsetVector, Point::UNIT_X);
     EXPECT_FALSE(measure.loadFromVariant(kt::ktVariant("x"), s6_22));
-    EXPECT_TRUE(measure.loadFromVariant(parse("{'A': [1, 2, 3], 'B': [4, 5, 6], 'V': [7, 8, 9]}"), s6_17));
+    EXPECT_TRUE(measure.loadFromVariant(parse(R"({"A": [1, 2, 3], "B": [4, 5, 6], "V": [7, 8, 9]})"), {6, 17}));
     EXPECT_EQ(measure.mOffsetVector, Point(7, 8, 9));
-}
-
-TEST_F(VariantMap, ChildrenAndMetadataComeWith6_22) {
-    const std::string json = "{'children': [{'type': 'text', 'name': 'a', 'text': 'x'}], 'metadata': {'k': 2}}";
-    ktAnnotationRaster raster;
-    readInto(raster, "{'metadata': {'k': 1}}");
-    EXPECT_EQ(readInto(raster, json, s6_21), "raster k=1");
-    readInto(raster, json);
-    EXPECT_EQ(readInto(raster, json), "raster k=2 [0:text 'a' |x] [0:text 'a' |x]") << "appended";
-    EXPECT_EQ(readInto(raster, "{'metadata': 5}"), "raster [0:text 'a' |x] [0:text 'a' |x]");
-
-    // Of two lists the newer name wins; a child that is no map ends the annotation silently.
-    const std::string old = "{'childs': [{'type': 'raster', 'name': 'a'}]";
-    for (const auto& [rest, result] : std::vector<Row>{
-             {"}", "raster [0:raster 'a']"},
-             {", 'children': [{'type': 'raster', 'name': 'b'}]}", "raster [0:raster 'b']"},
-             {", 'children': 5}", "raster"},
-             {", 'children': [{'type': 'raster', 'position': 1}, {'type': 'raster'}, 5, {'type': 'raster'}],"
-              "'metadata': {'k': 1}, 'rastername': 'r'}",
-              "refused raster [0:raster]; invalid 'position' field"}}) {
-        EXPECT_EQ(readRaster(old + rest), result) << rest;
-    }
-}
-
-TEST_F(VariantMap, NestingEndsAtLevel512) {
-    for (const int depth : {512, 513, 2'000, 513}) {
-        std::string json = "{'type': 'raster'}";
-        for (int level = 1; level < depth; ++level) {
-            json = "{'type':'raster','children':[" + json + "]}";
-        }
-        const std::string result = readRaster(json);
-        EXPECT_EQ(std::count(result.begin(), result.end(), '['), 511);
-        EXPECT_THAT(result, testing::EndsWith("[0:raster" + std::string(511, ']'))) << "no message";
-    }
-}
-
-TEST_F(VariantMap, SegmentsHaveTheirTypeAndOnlyTheirOwnProperties) {
-    EXPECT_EQ(readText("{'defaulttextprop': {'font': 'Mono', 'italic': true}, 'lines': [["
-                       "{'text': 'H', 'font': 'Mono', 'heightem': 1, 'bold': false, 'italic': true},"
-                       "{'text': 2, 'type': 'sub'}, {'text': 'O', 'type': 'SUP'}, {'type': 'sup'},"
-                       "{'text': 'b', 'bold': 1, 'italic': 0}, {'text': 'f', 'font': 8},"
-                       "{'text': 'h', 'heightem': '2.5'}, {'text': 'n\\u0000l'}]]}"),
-              "text Mono/100/2/0 |H+2^1+O+~^2+b{Mono/100/1/0}+f{8/100/2/0}+h{Mono/250/2/0}+n@l")
-        << "a loaded text is not cut at a NUL";
 }
 
 TEST_F(VariantMap, HeightsThatDoNotSurviveTheirConversionBecomeOwnOnes) {
@@ -227,47 +160,6 @@ TEST_F(VariantMap, HeightsThatDoNotSurviveTheirConversionBecomeOwnOnes) {
     EXPECT_EQ(readInto(text, "{'defaulttextprop': {}, 'lines': [[{'text': 'y'}]]}"),
               "text Arial/52/0/7 |x{Arial/52/0/7} |y")
         << "lines are appended";
-}
-
-TEST_F(VariantMap, PlainTextIsUsedWithoutLines) {
-    for (const auto& [json, result] : std::vector<Row>{{"{'text': 'a\\nb'}", "text |a |b"},
-                                                       {"{}", "text |~"},
-                                                       {"{'lines': 5, 'text': 6}", "text |6"},
-                                                       {"{'lines': [], 'text': 'a'}", "text"}}) {
-        EXPECT_EQ(readText(json), result) << json;
-    }
-}
-
-TEST_F(VariantMap, ViewsTellTheirProblemsInOrder) {
-    const std::string plane = "view '' (0 0 0)(0 0 1)(1 0 0)";
-    for (const auto& [json, result] : std::vector<Row>{
-             {"{'ver': '6.16'}", "no view; invalid version 6.16"},
-             {"{'ver': 6.22}", "no view; missing 'annotations' field"},
-             {"{}", "no view; invalid version "},
-             {"{'ver': '6.22', 'annotations': {}}", "no view; invalid 'annotations' field"},
-             {"{'ver': '6.20', 'textannotations': []}", "no view; missing 'rasterannotations' field"},
-             {"{'ver': '6.20', 'rasterannotations': []}", "no view; missing 'textannotations' field"},
-             {"{'ver': '6.17', 'textannotations': 1}", "no view; invalid 'textannotations' field"},
-             {"{'ver': '6.21', 'textannotations': [{}, 1], 'rasterannotations': 2}",
-              "no view; invalid 'annotations' field content; invalid 'rasterannotations' field"},
-             {"{'ver': '6.21', 'textannotations': [{}, 1], 'rasterannotations': [{}, 2]}",
-              plane +
-                  " text |~ raster; invalid 'annotations' field content; invalid 'rasterannotations' field content"},
-             {"{'ver': '6.26', 'metadata': 5, 'annotations': [{'type': 'Text'}, {}, 1, {'type': 'text'}, {'type': "
-              "'raster'}]}",
-              plane + " text |~ raster; invalid annotation type; invalid annotation type; invalid 'annotations' field "
-                      "content"},
-             {"{'ver': '6.27', 'axis': 1, 'normal': [1], 'origin': [], 'annotations': [{'type': 'text', 'position': "
-              "1}]}",
-              plane + "; invalid 'origin' field; invalid 'normal' field; invalid 'axis' field; invalid 'metadata' "
-                      "field; invalid 'position' field"},
-             {"{'ver': '6.27', 'name': 'plan', 'origin': ['1', 2, true], 'normal': [0, 1, 0], 'axis': [0, 0, 1],"
-              "'metadata': {'k': 'v'}, 'annotations': [{'type': 'raster', 'name': 'r'}]}",
-              "view 'plan' (1 2 1)(0 1 0)(0 0 1) k=v raster 'r'"}}) {
-        Messages errors;
-        const ViewPointer view = ktAnnotationView::FromVariantMap(parse(json), errors);
-        EXPECT_EQ(join(show(view), errors), result) << json;
-    }
 }
 
 }  // namespace

@@ -92,12 +92,6 @@ TEST_F(InterruptTest, LeavesWholeDrawingsAndGoesOnLater) {
     }
 }
 
-TEST_F(InterruptTest, OneAfterTheOtherCountsDocumentsExactly) {
-    const ToolResult stopped = stopInTheMiddle({"--jobs", "1"}, SIGINT);
-    EXPECT_THAT(stopped.mError, testing::StartsWith("interrupted after 150 of 301 documents"));
-    EXPECT_EQ(readTree(mFolder.at("out")).size(), 300U);
-}
-
 TEST_F(InterruptTest, DumpsHoldAllViewsOrAreNotThere) {
     const ToolResult stopped = stopInTheMiddle({"--jobs", "1", "--format", "json"}, SIGINT);
     EXPECT_EQ(stopped.mExitCode, 130);

@@ -17,49 +17,6 @@ ToolResult inspectText(const std::string& document, const std::string& option = 
     return runTool(ToolRun{.mArguments = {"inspect", "-", option}, .mInput = document});
 }
 
-TEST(InspectCommand, JsonHoldsEveryMember) {
-    const std::string document = R"([{"ver":"6.27","name":"v","origin":[1,2,3],"normal":[0,1,0],"axis":[1,0,0],
-        "metadata":{"n":null,"b":true,"i":-9007199254740993,"r":0.1,"s":"x","l":[1.0,{}]},
-        "annotations":[
-          {"type":"text","name":"t","position":[0.1,1e300,-0.5],"color":"ff8000","frameshape":"circle",
-           "isframelocked":true,"leaders":[{"pos":[1,2,3],"head":"arrow"}],
-           "measures":[{"A":[1,0,0],"B":[2,0,0],"V":[0,1,0],"arrowdir":"outin"}],
-           "defaulttextprop":{"font":"Serif","heightem":1.25,"bold":true},
-           "lines":[[{"text":"a"},{"text":"2","type":"sup","italic":true}],[]],
-           "children":[{"type":"raster","anchorloc":"tl","rastername":"p.png","sizeem":[2,0.5],"metadata":{"k":1}}]}
-        ]},{"ver":"6.16"}])";
-    const ToolResult result = inspectText(document, "--json");
-    EXPECT_EQ(
-        result.mOut,
-        R"({"source": "-", "kind": "variant", "streamError": false, "messages": ["invalid version 6.16"], "problems": [], )"
-        R"("views": [{"version": "6.27", "name": "v", "origin": [1, 2, 3], "normal": [0, 1, 0], "axis": [1, 0, 0], )"
-        R"("annotations": [{"type": "text", "name": "t", "position": [0.1, "Infinity", -0.5], "color": [255, 128, 0], )"
-        R"("flags": 139, "leaders": [{"position": [1, 2, 3], "head": 3}], )"
-        R"("measures": [{"a": [1, 0, 0], "b": [2, 0, 0], "v": [0, 1, 0], "arrows": 3}], )"
-        R"("children": [{"anchor": 4, "annotation": {"type": "raster", "name": "", "position": [0, 0, 0], )"
-        R"("color": [255, 255, 255], "flags": 1, "leaders": [], "measures": [], "children": [], "metadata": {"k": 1}, )"
-        R"("rasterName": "p.png", "sizeEm": [2, 0.5]}}], "metadata": {}, )"
-        R"("defaults": {"font": "Serif", "height": 125, "style": 1, "reserved": 0}, )"
-        R"("lines": [[{"text": "a", "type": 0, "properties": null}, {"text": "2", "type": 2, )"
-        R"("properties": {"font": "Serif", "height": 125, "style": 3, "reserved": 0}}], []]}], )"
-        R"("metadata": {"b": true, "i": -9007199254740993, "l": [1, {}], "n": null, "r": 0.1, "s": "x"}}, null]})"
-        "\n");
-    EXPECT_EQ(result.mExitCode, 4);
-    EXPECT_EQ(result.mError, "");
-}
-
-TEST(InspectCommand, JsonOfABinaryDocument) {
-    const std::string path = getDocument("view_of_612.kts");
-    const ToolResult result = runTool({"inspect", "--json", path});
-    EXPECT_THAT(result.mOut,
-                HasSubstr(R"({"source": ")" + path +
-                          R"(", "kind": "stream", "version": "6.12", "streamError": true, "messages": [], )"
-                          R"("problems": [{"object": 2, "offset": 55, "what": ")"));
-    EXPECT_THAT(result.mOut, HasSubstr(R"("views": [{"name": "", "origin": [0, 0, 0], "normal": [0, 0, 1], )"
-                                       R"("axis": [1, 0, 0], "annotations": [], "metadata": {}}]})"));
-    EXPECT_EQ(result.mExitCode, 3);
-}
-
 TEST(InspectCommand, BytesThatAreNoTextAreToldAndControlCharactersNeverReachTheTerminal) {
     const struct {
         const char* mOption;
@@ -81,33 +38,6 @@ TEST(InspectCommand, BytesThatAreNoTextAreToldAndControlCharactersNeverReachTheT
     // Names of files are foreign, too.
     EXPECT_THAT(runTool({"inspect", "\x1b[31mmissing"}).mError,
                 AllOf(HasSubstr("\\x1b[31mmissing"), Not(HasSubstr("\x1b"))));
-}
-
-TEST(InspectCommand, TreeShowsChildrenIndentedAndProblemsInPlace) {
-    const ToolResult result = inspectText(R"([{"ver":"6.22","name":"v","origin":7,"annotations":[
-        {"type":"text","name":"a","text":"one\ntwo","leaders":[{"pos":[1,2,3],"head":"plus"}],
-         "children":[{"type":"raster","name":"b","anchorloc":"rc","rastername":"p"}]},
-        {"type":"text","frameshape":"flagleft"}, 5]}, {},
-        {"ver":"6.20","name":"top","textannotations":[{},1,2],"rasterannotations":[{"sizeem":1}]}])");
-    EXPECT_EQ(result.mOut,
-              "-  variant document, 2 views, 3 annotations (and 1 child)\n"
-              "├─ view 1 'v'  version 6.22  origin (0, 0, 0)  normal (0, 0, 1)  axis (1, 0, 0)\n"
-              "│  ├─ text 'a' at (0, 0, 0)  rectangle  #ffffff  \"one / two\"\n"
-              "│  │  ├─ leader to (1, 2, 3)  plus\n"
-              "│  │  └─ [right centre] raster 'b' at (0, 0, 0)  rectangle  #ffffff  image 'p' 1 x 1 em\n"
-              "│  ├─ text '' at (0, 0, 0)  flag left  #ffffff  without text\n"
-              "│  ├─ ! invalid 'origin' field\n"
-              "│  ├─ ! invalid 'annotations' field content\n"
-              "│  └─ ! 1 of 3 annotations of view 'v' could not be read\n"
-              "├─ view 2 could not be made\n"
-              "│  └─ ! invalid version \n"
-              "└─ view 3 'top'  version 6.20  origin (0, 0, 0)  normal (0, 0, 1)  axis (1, 0, 0)\n"
-              "   ├─ text '' at (0, 0, 0)  rectangle  #ffffff  without text\n"
-              "   ├─ ! invalid 'annotations' field content\n"
-              "   ├─ ! invalid 'annotations' field content\n"
-              "   ├─ ! invalid 'sizeem' field\n"
-              "   └─ ! 3 of 4 annotations of view 'top' could not be read\n");
-    EXPECT_EQ(result.mExitCode, 4);
 }
 
 TEST(InspectCommand, TreesStayReadableToTheDeepestLevel) {

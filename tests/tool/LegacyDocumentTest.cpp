@@ -1,12 +1,8 @@
-#include "library/ktAnnotationLegacyLibrary.h"
-#include "tests/system/ByteWriter.h"
+#include "tests/legacy/LegacyLibraryTest.h"
+#include "tests/robustness/DamagedDocuments.h"
 #include "tests/tool/TemporaryFolder.h"
 #include "tools/ktannot/LegacyDocument.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -14,78 +10,37 @@ namespace ktannot {
 namespace {
 
 using State = LegacyDocument::State;
-using testing::ElementsAre;
+using ktTest::makeSmallViewBody;
 using testing::HasSubstr;
 
-class LegacyDocumentTest : public testing::Test {
-protected:
-    LegacyDocumentTest() { kt::initializeKtAnnotationLegacyLibrary(); }
-    ~LegacyDocumentTest() override { kt::terminateKtAnnotationLegacyLibrary(); }
+class LegacyDocumentTest : public ktTest::LegacyLibraryTest {};
 
-    static LegacyDocument load(const ByteWriter& file) { return LegacyDocument::load("test", file.bytes()); }
-};
-
-std::string makeRecord(const std::string& type, std::uint32_t id, const std::string& body) {
-    return ByteWriter().text("ktCore.kt" + type).u32(id).u64(body.size()).raw(body).str();
-}
-
-/// A view without annotations. Of a damaged one the end is missing.
-std::string makeView(std::uint32_t id, const std::string& name, bool isDamaged = false) {
-    const std::size_t rest = isDamaged ? 20 : 9 * 4 + 2 * 4 + 4;  // plane, two counts, empty map
-    return makeRecord("AnnotationView", id, ByteWriter().text(name).raw(std::string(rest, '\0')).str());
-}
-
-std::string makeMetadata(std::uint32_t id, std::initializer_list<std::uint32_t> views) {
-    ByteWriter body;
-    body.text("").u32(5).u32(static_cast<std::uint32_t>(views.size()));
-    for (const std::uint32_t view : views) {
-        body.u32(view);
-    }
-    return makeRecord("AnnotationMetadata", id, body.str());
-}
-
-ByteWriter makeStream(std::initializer_list<std::string> records) {
-    ByteWriter file;
-    file.raw("KTSTREAM").u32(0x6001B).u32(static_cast<std::uint32_t>(records.size()));  // version 6.27
-    for (const std::string& record : records) {
-        file.raw(record);
-    }
-    return file;
-}
-
-TEST_F(LegacyDocumentTest, ListedViewsComeFirstAndEachOnce) {
-    const LegacyDocument document = load(makeStream({
-        makeView(10, "unlisted"),
-        makeView(11, "a"),
-        makeMetadata(1, {12, 0, 11, 12}),
-        makeView(12, "b"),
-        makeMetadata(2, {11, 13}),
-        makeView(13, "c"),
-        makeView(14, "also unlisted"),
-    }));
+TEST_F(LegacyDocumentTest, ListedViewsComeFirstAndEachOnceAndProblemsKnowTheirView) {
+    ktTest::Bytes cut = makeSmallViewBody(27, "cut");
+    cut.resize(30);
+    const LegacyDocument document = LegacyDocument::load("test", ktTest::DocumentBuilder(27)
+                                                                     .view(10, makeSmallViewBody(27, "unlisted"))
+                                                                     .view(11, makeSmallViewBody(27, "a"))
+                                                                     .metadata(1, {12, 0, 11, 12})
+                                                                     .view(12, makeSmallViewBody(27, "b"))
+                                                                     .record("Other", 5, {})
+                                                                     .metadata(2, {11, 6})
+                                                                     .view(6, cut)
+                                                                     .view(14, makeSmallViewBody(27, "also unlisted"))
+                                                                     .build());
     std::vector<std::string> names;
     for (const LegacyDocument::View& view : document.getViews()) {
         names.push_back(view.mView ? view.mView->mName : "(none)");
     }
-    EXPECT_THAT(names, ElementsAre("b", "a", "c", "unlisted", "also unlisted"));
-    EXPECT_EQ(document.getOutcome(), ExitCode::AllWell);
-    EXPECT_EQ(document.getVersion(), "6.27");
-}
-
-TEST_F(LegacyDocumentTest, ProblemsKnowTheirView) {
-    const LegacyDocument document = load(makeStream({
-        makeView(4, "whole"),
-        makeRecord("Other", 5, "?"),
-        makeView(6, "cut", true),
-        makeMetadata(1, {6, 4}),
-    }));
+    EXPECT_THAT(names, testing::ElementsAre("b", "a", "cut", "unlisted", "also unlisted"));
     ASSERT_EQ(document.getProblems().size(), 2U);
     EXPECT_EQ(document.getProblems()[0].mObject, 5U);
     EXPECT_EQ(document.getProblems()[0].mView, std::nullopt);
     EXPECT_EQ(document.getProblems()[1].mObject, 6U);
-    EXPECT_EQ(document.getProblems()[1].mView, 0U);
+    EXPECT_EQ(document.getProblems()[1].mView, 2U);
     EXPECT_TRUE(document.hasStreamError());
     EXPECT_EQ(document.getOutcome(), ExitCode::WithProblems);
+    EXPECT_EQ(document.getVersion(), "6.27");
 }
 
 TEST_F(LegacyDocumentTest, OutcomesOfVariantDocuments) {
