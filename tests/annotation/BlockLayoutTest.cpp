@@ -136,16 +136,6 @@ TEST(BlockLayout, CoversAdvanceFontHeightAndInkByTheExtent) {
     EXPECT_EQ(block.mSize.x, block.mTexts[0]->getLength());
 }
 
-TEST(BlockLayout, AddsBehindWhatTheGroupHolds) {
-    svg::Node group;
-    group.appendChild(std::make_shared<svg::Rect>());
-    const text::TextSegmentToSvgConverter converter;
-    ASSERT_TRUE(converter.convertTextAreaToSvg(test::makeLine({}, {"a"}), group, nullptr, nullptr));
-    ASSERT_EQ(group.getChildren().size(), 2U);
-    EXPECT_EQ(group.getChildren()[0]->getKind(), svg::ItemInterface::Kind::Rect);
-    EXPECT_EQ(group.getChildren()[1]->getKind(), svg::ItemInterface::Kind::Text);
-}
-
 TEST(BlockLayout, AddsNothingWithoutExtent) {
     for (const TextArea& area :
          {TextArea(), TextArea{{}, {{}}}, test::makeLine({}, {""}), test::makeLine({}, {"\u200D\u200D"})}) {

@@ -1,11 +1,11 @@
 #include "platform/annotation/ktAnnotationLibrary.h"
-#include "platform/system/ktLog.h"
 #include "tests/annotation/LaidOutText.h"
+#include "tests/support/RecordingLog.h"
 
+#include <gmock/gmock.h>
 #include <hb.h>
 
 #include <algorithm>
-#include <mutex>
 
 namespace kt {
 namespace {
@@ -13,36 +13,10 @@ namespace {
 using test::LaidOutText;
 using test::makeProperties;
 using test::ReferenceFont;
+using testing::HasSubstr;
+using testing::UnorderedElementsAre;
 
 constexpr float sSize = 10.0F;
-
-/// Keeps what is logged while it lives, with the fonts forgotten before and after.
-class LogCapture final : public ktLog {
-public:
-    LogCapture() : mFormer(msInstance.exchange(this)) {
-        initializeKtAnnotationLibrary(false);
-        terminateKtAnnotationLibrary();
-        msInstance = this;
-    }
-    ~LogCapture() override { msInstance = mFormer; }
-
-    void log(const ktLogEntry& entry) noexcept override {
-        const std::scoped_lock lock(mMutex);
-        mEntries.push_back(entry);
-    }
-    bool isEnabled(int) const override { return true; }
-
-    std::ptrdiff_t count(std::string_view part) const {
-        return std::ranges::count_if(mEntries, [part](const ktLogEntry& entry) {
-            return entry.mType == Debug && entry.mMessage.find(part) != std::string::npos;
-        });
-    }
-
-private:
-    ktLog* mFormer;
-    std::mutex mMutex;
-    std::vector<ktLogEntry> mEntries;
-};
 
 /// Set in a font that has letters, but neither symbols nor other scripts.
 LaidOutText layOut(std::string_view bytes) { return {makeProperties("Liberation Sans", sSize), bytes}; }
@@ -91,18 +65,37 @@ TEST(FallbackTest, KeepsTheOrderOfFontsInBothDirections) {
 }
 
 TEST(FallbackTest, TellsEachSubstitutionOnce) {
-    const LogCapture log;
+    ktTest::RecordingLog log;
+    // Forgets the fonts that earlier tests used.
+    initializeKtAnnotationLibrary(false);
+    terminateKtAnnotationLibrary();
+    log.takeMessages(ktLog::Debug);
     for (int count = 0; count < 3; ++count) {
         LaidOutText(makeProperties("No Such Family", sSize), "text");
         LaidOutText(makeProperties("Liberation Serif", sSize), "直径直");
     }
-    EXPECT_EQ(log.count("'No Such Family'"), 1);
-    EXPECT_EQ(log.count("'Liberation Serif'"), 1);
+    EXPECT_THAT(log.takeMessages(ktLog::Debug),
+                UnorderedElementsAre(HasSubstr("'No Such Family'"), HasSubstr("'Liberation Serif'")));
 }
 
 TEST(FallbackTest, SubstitutesMissingFamiliesAsTheSystemSays) {
     expectShaped(LaidOutText(makeProperties("No Such Family", sSize), "Width"), "Width",
                  ReferenceFont("No Such Family"));
+}
+
+TEST(AnnotationLibraryTest, KeepsFontsThatConvertersHoldBeyondItsEnd) {
+    initializeKtAnnotationLibrary(true);
+    const text::TextSegmentToSvgConverter converter;
+    const text::TextArea area = test::makeLine({}, {"before and after"});
+    const LaidOutText before(area, converter);
+    terminateKtAnnotationLibrary();
+    const LaidOutText after(area, converter);
+    EXPECT_GT(before.mSize.x, 0.0F);
+    EXPECT_EQ(after.mSize, before.mSize);
+
+    std::vector<svg::PlacedGlyph> glyphs;
+    before.mTexts.at(0)->getGlyphSource()->appendGlyphs(*before.mTexts.at(0), glyphs);
+    EXPECT_EQ(glyphs.size(), 14U);
 }
 
 }  // namespace

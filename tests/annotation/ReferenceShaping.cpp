@@ -17,14 +17,11 @@ ReferenceFont::ReferenceFont(const std::string& pattern) {
     FcPatternGetString(match, FC_FILE, 0, &path);
     FcPatternGetString(match, FC_FAMILY, 0, &family);
     FcPatternGetInteger(match, FC_INDEX, 0, &index);
-    mPath = reinterpret_cast<const char*>(path);
-    mIndex = static_cast<unsigned>(index);
     mIsInstalled = pattern.substr(0, pattern.find(':')) == reinterpret_cast<const char*>(family);
+    hb_blob_t* blob = hb_blob_create_from_file(reinterpret_cast<const char*>(path));
+    hb_face_t* face = hb_face_create(blob, static_cast<unsigned>(index) & 0xFFFFU);
     FcPatternDestroy(match);
     FcPatternDestroy(request);
-
-    hb_blob_t* blob = hb_blob_create_from_file(mPath.c_str());
-    hb_face_t* face = hb_face_create(blob, mIndex & 0xFFFFU);
     mFont = hb_font_create(face);
     hb_face_destroy(face);
     hb_blob_destroy(blob);

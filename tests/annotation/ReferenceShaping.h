@@ -23,23 +23,17 @@ public:
 
     /// Whether the font is of the family asked for rather than a substitute.
     bool isInstalled() const { return mIsInstalled; }
-    const std::string& getPath() const { return mPath; }
-    unsigned getIndex() const { return mIndex; }
     hb_font_t* getFont() const { return mFont; }
     double getUnitsPerEm() const;
     /// Whether the glyph has no outline.
     bool isBlank(std::uint32_t glyph) const;
 
 private:
-    std::string mPath;
-    unsigned mIndex = 0;
     bool mIsInstalled = false;
     hb_font_t* mFont = nullptr;
 };
 
 struct ReferenceGlyph {
-    bool operator==(const ReferenceGlyph&) const = default;
-
     std::uint32_t mGlyph;
     std::int64_t mX;
     std::int64_t mY;

@@ -61,37 +61,27 @@ class LayersTest(unittest.TestCase):
 
 
 class ConventionsTest(unittest.TestCase):
-    # Put together from pieces, so that this file keeps the conventions itself.
-    WRONG = ["as the " + "spec says", "see " + "Specification", "spec" + ".md", "Part" + " 3.1", "a /" + "home/me"]
-    WRONG += ["parts" + " 2.4"]
-    ALLOWED = ["special", "the specific case", "version 3.1", "Part of it", "a specified width"]
-    ALLOWED += ["cd /usr/share, a/" + "work/b"]
-    HEADER = "#pragma once\n\n/// @file\n/// Numbers.\n"
-
-    def test_each_violation_is_found_and_nothing_else(self):
-        cases = [("a.md", text, 1) for text in self.WRONG]
-        cases += [("a.md", text, 0) for text in self.ALLOWED]
-        cases += [("a.h", self.HEADER, 0), ("a.h", self.HEADER[13:], 1), ("a.h", self.HEADER[:13] + "\nint a;\n", 1)]
-        for name, text, count in cases:
-            with self.subTest(text=text):
-                self.assertEqual(len(check_conventions.check_text(pathlib.Path(name), text)), count)
+    def test_each_violation_is_found(self):
+        # Put together from pieces, so that this file keeps the conventions itself.
+        for text in ["as the " + "spec says", "spec" + ".md", "Part" + " 3.1", "a /" + "home/me"]:
+            self.assertEqual(len(check_conventions.check_text(pathlib.Path("a.md"), text)), 1, text)
+        for text in ["special", "the specific case", "version 3.1", "Part of it", "cd /usr/share, a/" + "work/b"]:
+            self.assertEqual(check_conventions.check_text(pathlib.Path("a.md"), text), [])
+        self.assertEqual(len(check_conventions.check_text(pathlib.Path("a.h"), "int a;")), 2)
 
 
 class HeadersAloneTest(unittest.TestCase):
     COMPILER = sys.argv.pop()
 
     def test_header_must_bring_what_it_needs_and_bear_two_inclusions(self):
-        for text, is_sound in [
-            ("#pragma once\n#include <string>\nstruct Name { std::string mText; };\n", True),
-            ("#pragma once\nstruct Name { std::string mText; };\n", False),
-            ("#include <string>\nstruct Name { std::string mText; };\n", False),
-            ("#pragma once\ninline bool less(int a, unsigned b) { return a < b; }\n", False),
-        ]:
+        sound = "#pragma once\n#include <string>\nstruct Name { std::string mText; };\n"
+        texts = [sound, sound.replace("#include <string>", ""), sound.replace("#pragma once", "")]
+        for text in texts:
             with self.subTest(text=text), tempfile.TemporaryDirectory() as folder:
                 header = pathlib.Path(folder) / "header.h"
                 header.write_text(text, encoding="utf-8")
                 messages = check_headers_alone.compile_alone(header, [self.COMPILER, "-Wall", "-Werror"])
-                self.assertEqual(messages == "", is_sound)
+                self.assertEqual(messages == "", text == sound)
 
 
 if __name__ == "__main__":

@@ -1,7 +1,9 @@
+#include "legacy/annotation/CountAnnotationFunctor.h"
 #include "legacy/ktAnnotationMetaData.h"
 #include "library/Version.h"
 #include "platform/system/ktBaseStream.h"
 #include "tests/legacy/LegacyLibraryTest.h"
+#include "tests/support/RecordingLog.h"
 
 #include <cmath>
 #include <limits>
@@ -11,6 +13,7 @@ namespace ktLegacy {
 namespace {
 
 using ktTest::show;
+using testing::ElementsAre;
 using Transformation = kt::ktGenericTransformation<float>;
 
 class Model : public ktTest::LegacyLibraryTest {
@@ -53,34 +56,8 @@ TEST_F(Model, MembersLieInTheirOrder) {
     EXPECT_EQ(offset(text.mColor), 76);
     EXPECT_EQ(offset(text.mName), 80);
     EXPECT_EQ(offset(text.mMetadata), 112);
-    const auto type = offset(text.mType);
-    EXPECT_EQ(type, 112 + static_cast<long>(sizeof(text.mMetadata) + sizeof(void*))) << "the children lie between";
-    mText->setFlags(0xA5);
-    EXPECT_EQ(reinterpret_cast<const unsigned char*>(&text)[type + 1], 0xA5) << "the flags byte follows";
+    EXPECT_EQ(offset(text.mType), 112 + static_cast<long>(sizeof(text.mMetadata) + sizeof(void*))) << "behind children";
     EXPECT_LT(offset(text.mDefaultTextProperties), offset(text.mLines));
-    EXPECT_EQ(sizeof(ktAnnotationInterface::Leader), 16U);
-    EXPECT_EQ(sizeof(ktAnnotationInterface::MeasureLeader), 40U);
-    EXPECT_EQ(sizeof(Segment), 24U);
-}
-
-TEST_F(Model, FlagsByteKeepsEveryBit) {
-    for (unsigned int flags = 0; flags < 256; ++flags) {
-        mText->setFlags(static_cast<std::uint8_t>(flags));
-        EXPECT_EQ(mText->getFlags(), flags);
-        EXPECT_EQ(mText->mFrameShape, flags & 0x0F);
-        EXPECT_EQ(mText->mIsIgnoreZTest, (flags & 0x20) != 0);
-        EXPECT_EQ(mText->mIsScaleLocked, (flags & 0x40) != 0);
-        EXPECT_EQ(mText->mIsFrameLocked, (flags & 0x80) != 0);
-    }
-}
-
-TEST_F(Model, ChildListIsSharedUntilFirstEdited) {
-    EXPECT_EQ(&mText->getSubAnnots(), ktAnnotationInterface::sDummySubAnnots);
-    const auto* own = &mText->editSubAnnots();
-    EXPECT_EQ(&mText->getSubAnnots(), own);
-    EXPECT_NE(own, ktAnnotationInterface::sDummySubAnnots);
-    mText->removeSubAnnots();
-    EXPECT_EQ(&mText->getSubAnnots(), ktAnnotationInterface::sDummySubAnnots);
 }
 
 TEST_F(Model, CopiesAreDeep) {
@@ -277,19 +254,6 @@ TEST_F(Model, ViewPlaneBecomesATransformation) {
     EXPECT_TRUE(!plane.IsIdentity() && plane.IsUniformScale());
 }
 
-TEST_F(Model, ViewsNeitherCloneNorCompareNorSearchTheirAnnotations) {
-    mView->SetName("plan");
-    mView->mAnnotations = {makeText("a", "note")};
-    kt::ktRttiInterface* out = nullptr;
-    EXPECT_FALSE(mView->Clone(out));
-    EXPECT_EQ(out, nullptr);
-    EXPECT_FALSE(mView->Equals(mView));
-    EXPECT_EQ(mView->GetObjectByName("plan"), mView);
-    EXPECT_EQ(mView->GetObjectByName("note"), nullptr);
-    EXPECT_EQ(mView->GetObjectByID(mView->mAnnotations[0]->GetID()), nullptr);
-    EXPECT_TRUE(mView->GetType()->IsExactly(ktAnnotationView::TYPE) && mView->GetType()->IsDerived(kt::ktObject::TYPE));
-}
-
 TEST_F(Model, MetadataCopiesFullyButClonesDefaultViews) {
     const ktPointer<ktAnnotationMetaData> source(new ktAnnotationMetaData);
     source->SetName("ignored");
@@ -321,42 +285,96 @@ TEST_F(Model, MetadataCopiesFullyButClonesDefaultViews) {
 }
 
 TEST_F(Model, ContainersRefuseToBeWritten) {
-    struct Row {
-        kt::ktStreamVersion mVersion;
-        bool mIsViewRefused, mIsMetaDataRefused;
-    };
-    for (const auto& [version, isViewRefused, isMetaDataRefused] : {Row{{6, 12}, false, false},
-                                                                    {{6, 13}, false, true},
-                                                                    {{6, 26}, false, true},
-                                                                    {{6, 27}, true, true},
-                                                                    {{7, 0}, true, true}}) {
+    for (const auto& [minor, isViewRefused, isMetaDataRefused] :
+         {std::tuple(12, false, false), {13, false, true}, {26, false, true}, {27, true, true}}) {
+        const kt::ktStreamVersion version(6, static_cast<std::uint16_t>(minor));
         kt::ktBaseStream viewStream(nullptr, 0, version);
         ktAnnotationView().Save(viewStream);
-        EXPECT_EQ(viewStream.hasStreamError(), isViewRefused) << version.toString();
+        EXPECT_EQ(viewStream.hasStreamError(), isViewRefused) << minor;
         kt::ktBaseStream metaDataStream(nullptr, 0, version);
         ktAnnotationMetaData().Save(metaDataStream);
-        EXPECT_EQ(metaDataStream.hasStreamError(), isMetaDataRefused) << version.toString();
+        EXPECT_EQ(metaDataStream.hasStreamError(), isMetaDataRefused) << minor;
     }
 }
 
-TEST(LegacyRegistry, HoldsBothFactoriesWhileInitialised) {
+/// Writes down the calls of a walk.
+struct WalkRecorder : annotation::IterateOverAnnotationTreeFunctorInterface {
+    using Entry = ktAnnotationInterface::SubAnnot;
+    void startProcessingAnnot(const Entry& entry, bool isRoot) override { add("+", entry, isRoot); }
+    void endProcessingAnnot(const Entry& entry, bool isRoot) override { add("-", entry, isRoot); }
+    void add(const char* sign, const Entry& entry, bool isRoot) {
+        mCalls +=
+            sign + entry.mAnnotation->GetName() + std::to_string(entry.mAnchorLocation) + (isRoot ? " root " : " ");
+    }
+    std::string mCalls;
+};
+
+TEST_F(Model, TreesAreWalkedDepthFirst) {
+    const AnnotationPointer first = makeText("", "a");
+    addChild(*first, makeText("", "b"), 4);
+    mText->SetName("r");
+    addChild(addChild(addChild(*mText, first, 9), nullptr, 9), makeText("", "c"), 1);
+    WalkRecorder recorder;
+    recorder.iterateOverAnnotationTree(mText);
+    EXPECT_EQ(recorder.mCalls, "+r0 root +a9 +b4 -b4 -a9 +c1 -c1 -r0 root ");
+    recorder.mCalls.clear();
+    recorder.iterateOverAnnotationTreeImpl(mText->getSubAnnots().front(), false);
+    EXPECT_EQ(recorder.mCalls, "+a9 +b4 -b4 -a9 ") << "no root in this walk";
+
+    std::vector<AnnotationPointer> roots{mText, nullptr, first};
+    unsigned int counter = 0;
+    annotation::CountAnnotationFunctor functor(counter);
+    functor.iterateOverAnnotationTree(roots);
+    functor.iterateOverAnnotationTree(mText);
+    EXPECT_EQ(counter, 4U + 2U + 4U) << "the count goes on from root to root";
+}
+
+// Recursion would need more than the usual 8 MiB of stack here.
+TEST_F(Model, DeepTreesAreCopiedWalkedAssignedAndDestroyed) {
+    constexpr unsigned int depth = 100'000;
+    const AnnotationPointer top = makeText("");
+    ktAnnotationInterface* last = top;
+    for (unsigned int level = 1; level < depth; ++level) {
+        addChild(*last, makeText(""));
+        last = last->getSubAnnots().back().mAnnotation;
+    }
+    const AnnotationPointer clone(top->cloneAnnotation());
+    *top = *clone->getSubAnnots().front().mAnnotation;
+    unsigned int counter = 0;
+    annotation::CountAnnotationFunctor(counter).iterateOverAnnotationTree(top);
+    EXPECT_EQ(counter, depth - 1);
+}
+
+TEST(Lifecycle, FirstUserStartsEverythingAndLastUserEndsIt) {
+    ktTest::RecordingLog log;
+    const auto take = [&log] { return log.takeMessages(kt::ktLog::Debug); };
     const auto find = kt::ktRttiInterface::FindFactoryFunction;
     for (int use = 0; use < 2; ++use) {
         EXPECT_EQ(ktAnnotationInterface::sDummySubAnnots, nullptr);
         EXPECT_EQ(find("ktCore.ktAnnotationView"), nullptr);
+        EXPECT_EQ(find("ktCore.ktAnnotationMetadata"), nullptr);
         kt::initializeKtAnnotationLegacyLibrary();
+        EXPECT_THAT(take(), ElementsAre("annotationLegacy: first user", "system: first user", "sceneGraph: first user",
+                                        "annotation: first user"));
+        kt::initializeKtAnnotationLegacyLibrary();
+        kt::terminateKtAnnotationLegacyLibrary();
+        EXPECT_THAT(take(), ElementsAre()) << "a second user changes the count only";
         ASSERT_NE(ktAnnotationInterface::sDummySubAnnots, nullptr);
-        EXPECT_TRUE(ktAnnotationInterface::sDummySubAnnots->empty());
         EXPECT_EQ(find("ktCore.ktAnnotationView"), ktAnnotationView::Factory);
         EXPECT_EQ(find("ktCore.ktAnnotationMetadata"), ktAnnotationMetaData::Factory);
-        EXPECT_EQ(find("ktCore.ktAnnotationMetaData"), nullptr);
+        EXPECT_EQ(find("ktCore.ktAnnotationMetaData"), nullptr) << "the other spelling on request only";
         ktAnnotationMetaData::RegisterFactory();
         EXPECT_EQ(find("ktCore.ktAnnotationMetaData"), ktAnnotationMetaData::Factory);
         ktAnnotationMetaData::UnRegisterFactory();
         EXPECT_EQ(find("ktCore.ktAnnotationMetaData"), nullptr);
         kt::terminateKtAnnotationLegacyLibrary();
-        EXPECT_EQ(find("ktCore.ktAnnotationMetadata"), nullptr);
+        EXPECT_THAT(take(), ElementsAre("annotationLegacy: last user gone", "annotation: last user gone",
+                                        "sceneGraph: last user gone", "system: last user gone"));
+        kt::terminateKtAnnotationLegacyLibrary();
+        EXPECT_THAT(take(), ElementsAre("annotationLegacy: terminated more often than initialised"));
     }
+    EXPECT_EQ(ktAnnotationMetaData::TYPE.GetName(), "ktCore.ktAnnotationMetaData");
+    EXPECT_TRUE(ktAnnotationMetaData::TYPE.IsDerived(kt::ktMetadataInterface::TYPE));
 }
 
 TEST(LegacyVersion, TellsItsTexts) {

@@ -17,7 +17,7 @@ namespace ktTest {
 /// needs something else writes the fields itself.
 class StreamBuilder {
 public:
-    explicit StreamBuilder(unsigned int minor) : mVersion(6, static_cast<std::uint16_t>(minor)) {}
+    explicit StreamBuilder(unsigned int minor = 27) : mVersion(6, static_cast<std::uint16_t>(minor)) {}
 
     kt::ktStreamVersion getVersion() const { return mVersion; }
     std::span<const std::byte> getBytes() const { return mBytes; }
@@ -29,10 +29,13 @@ public:
     StreamBuilder& u8(unsigned int value) { return number(static_cast<std::uint8_t>(value)); }
     StreamBuilder& u16(unsigned int value) { return number(static_cast<std::uint16_t>(value)); }
     StreamBuilder& u32(std::uint32_t value) { return number(value); }
+    StreamBuilder& u64(std::uint64_t value) { return number(value); }
     StreamBuilder& i32(std::int32_t value) { return number(value); }
     StreamBuilder& f32(float value) { return number(value); }
+    StreamBuilder& f64(double value) { return number(value); }
     StreamBuilder& vector(float x, float y, float z) { return f32(x).f32(y).f32(z); }
     StreamBuilder& bytes(std::string_view text) { return append(text.data(), text.size()); }
+    StreamBuilder& bytes(const StreamBuilder& other) { return append(other.mBytes.data(), other.mBytes.size()); }
     StreamBuilder& text(std::string_view text) { return i32(static_cast<std::int32_t>(text.size())).bytes(text); }
     /// A variant map with one entry of an integer.
     StreamBuilder& map(std::string_view key, std::int64_t value) { return u32(1).text(key).u8(2).number(value); }

@@ -3,20 +3,13 @@
 /// @file
 /// Legacy annotations, captured logs and looks at new ones for the migration tests.
 
-#include "legacy/ktAnnotationRaster.h"
-#include "legacy/ktAnnotationText.h"
-#include "library/ktAnnotationLegacyLibrary.h"
 #include "migration/ktAnnotationMigration.h"
 #include "platform/svg/Path.h"
-#include "platform/system/ktLog.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "tests/legacy/LegacyLibraryTest.h"
+#include "tests/support/RecordingLog.h"
 
 #include <cmath>
-#include <memory>
 #include <string>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -26,26 +19,9 @@ using Vector2 = Wm4::Vector2<float>;
 using Vector3 = Wm4::Vector3<float>;
 using Legacy = ktLegacy::ktAnnotationInterface;
 using Raster = kt::ktPointer<ktLegacy::ktAnnotationRaster>;
+using ktLegacy::addChild;
 using Strings = std::vector<std::string>;
 using testing::ElementsAre;
-
-/// Keeps the messages of type 5 while it lives; a category or context shows in the message.
-class RecordingLog final : public kt::ktLog {
-public:
-    RecordingLog() : mPrevious(kt::ktLog::msInstance.exchange(this)) {}
-    ~RecordingLog() override { kt::ktLog::msInstance = mPrevious; }
-
-    void log(const kt::ktLogEntry& entry) noexcept override {
-        if (entry.mType == 5) {
-            mMessages.push_back(entry.mCategory + entry.mContext + entry.mMessage);
-        }
-    }
-
-    Strings mMessages;
-
-private:
-    kt::ktLog* mPrevious;
-};
 
 /// Any raster name is good but "missing"; the data is the name again.
 inline bool giveRaster(const std::string& name, std::string& data, void*) {
@@ -69,10 +45,6 @@ inline Raster makeRaster(const std::string& name, float width, float height) {
     raster->mRasterName = "picture";
     raster->mSizeEm = {emOf(width), emOf(height)};
     return raster;
-}
-
-inline void addChild(Legacy& parent, const kt::ktPointer<Legacy>& child, int anchor = 2) {
-    parent.editSubAnnots().push_back({child, static_cast<Legacy::SubAnnot::AnchorLocation>(anchor)});
 }
 
 inline Legacy::Leader makeLeader(const Vector3& target, int head) {
@@ -101,12 +73,9 @@ const Item* as(const std::shared_ptr<kt::svg::ItemInterface>& item) {
 }
 
 /// The library is initialised, its log recorded, and there is a migration that accepts nothing.
-class MigrationTest : public testing::Test {
+class MigrationTest : public ktTest::LegacyLibraryTest {
 protected:
     using Annotation = kt::ktPointer<kt::ktCadAnnotation>;
-
-    MigrationTest() { kt::initializeKtAnnotationLegacyLibrary(); }
-    ~MigrationTest() override { kt::terminateKtAnnotationLegacyLibrary(); }
 
     /// The annotation with its sub-annotations; null when it failed.
     Annotation migrate(const Legacy* legacy, int flags = 0) { return migrateWithBox(legacy, flags).first; }
@@ -117,9 +86,9 @@ protected:
         EXPECT_EQ(isGood, result.first != nullptr);
         return result;
     }
-    Strings takeLog() { return std::exchange(mLog.mMessages, {}); }
+    Strings takeLog() { return mLog.takeMessages(kt::ktLog::Error); }
 
-    RecordingLog mLog;
+    ktTest::RecordingLog mLog;
 };
 
 }  // namespace migrationtest

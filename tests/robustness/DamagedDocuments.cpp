@@ -1,7 +1,6 @@
 #include "tests/robustness/DamagedDocuments.h"
 
 #include "legacy/ktAnnotationView.h"
-#include "tests/legacy/StreamBuilder.h"
 #include "tools/ktannot/JsonWriter.h"
 #include "tools/ktannot/LegacyDocument.h"
 #include "tools/ktannot/LegacyJson.h"
@@ -29,30 +28,57 @@ Number readNumber(std::span<const std::byte> bytes, std::size_t offset) {
 
 void append(Bytes& bytes, std::span<const std::byte> more) { bytes.insert(bytes.end(), more.begin(), more.end()); }
 
-/// One line of two segments, the second with properties of its own.
-void addLines(StreamBuilder& body) {
-    body.u32(1).u32(2).segment("x").segmentStart("2", 1).u8(1).properties("F", 50, 1, 0);
+void addProperties(CountedBody& body, const char* name) {
+    body.text(name, "F");
+    body.mBody.u16(50).u8(1).u8(0);
 }
 
-void addText(StreamBuilder& body) {
-    if (body.isFrom(15)) {
-        body.baseStart("t");
-        if (body.isFrom(22)) {
-            body.u32(2);
-            body.u8(3).u8(sTextType).base("c").textEnd("y");
-            body.u8(1).u8(sRasterType).base("d").rasterEnd("q");
-            body.map("k", 7);
-        }
-        body.properties("Arial", 100, 0, 0);
-        addLines(body);
+void addLeaders(CountedBody& body) {
+    body.count("leaders", 1);
+    body.mBody.leader(4, 5, 6, 3);
+}
+
+/// One line of two segments, the second with properties of its own.
+void addLines(CountedBody& body) {
+    body.count("lines", 1);
+    body.count("segments", 2);
+    body.mBody.segment("x");
+    if (!body.mBody.isFrom(17)) {
+        body.mark("segment text", Claim::Text);
+    }
+    body.mBody.segmentStart("2", 1).u8(1);
+    addProperties(body, "font of a segment");
+}
+
+void addMap(CountedBody& body) {
+    body.mark("map", Claim::Piece);
+    body.mBody.u32(1);
+    body.mark("map key", Claim::Piece);
+    body.mBody.text("k").u8(11);
+    body.mark("list in map", Claim::Piece);
+    body.mBody.u32(2).u8(3);
+    body.mark("text in map", Claim::Piece);
+    body.mBody.text("v").u8(10).map("i", 1);
+}
+
+void addBase(CountedBody& body, bool hasChildren) {
+    body.text("annotation name", "n");
+    addLeaders(body);
+    if (body.mBody.isFrom(17)) {
+        body.count("measure leaders", 1);
+        body.mBody.measure(1, 2);
+    }
+    body.mBody.placement(1);
+    if (!body.mBody.isFrom(22)) {
         return;
     }
-    if (body.isFrom(14)) {
-        body.text("t");
+    body.count("children", hasChildren ? 3 : 0);
+    if (hasChildren) {
+        body.mBody.u8(7).u8(0);
+        body.mBody.u8(3).u8(sTextType).base("c").textEnd("y");
+        body.mBody.u8(1).u8(sRasterType).base("d").rasterEnd("q");
     }
-    body.properties("Arial", 100, 0, 0).u32(1).leader(4, 5, 6, 0);
-    addLines(body);
-    body.placement(1);
+    addMap(body);
 }
 
 }  // namespace
@@ -117,21 +143,37 @@ Bytes makeSmallViewBody(unsigned int minor, std::string_view name) {
     return {body.getBytes().begin(), body.getBytes().end()};
 }
 
+CountedBody makeFullView(unsigned int minor) {
+    CountedBody body(minor);
+    body.text("view name", "front");
+    body.mBody.vector(1, 2, 3).vector(0, 0, 1).vector(1, 0, 0);
+    body.count("text annotations", 1);
+    if (body.mBody.isFrom(15)) {
+        body.count("raster annotations", 1);
+        addBase(body, true);
+        addProperties(body, "default font");
+        addLines(body);
+        addBase(body, false);
+        body.text("raster name", "p");
+        body.mBody.f32(1).f32(1);
+    } else {
+        if (body.mBody.isFrom(14)) {
+            body.text("annotation name", "n");
+        }
+        addProperties(body, "default font");
+        addLeaders(body);
+        addLines(body);
+        body.mBody.placement(1);
+    }
+    if (body.mBody.isFrom(27)) {
+        addMap(body);
+    }
+    return body;
+}
+
 Bytes makeSmallDocument(unsigned int minor) {
-    StreamBuilder body(minor);
-    body.viewStart("front").u32(1);
-    if (body.isFrom(15)) {
-        body.u32(1);
-    }
-    addText(body);
-    if (body.isFrom(15)) {
-        body.base("r").rasterEnd("pic");
-    }
-    if (body.isFrom(27)) {
-        body.u32(2).text("a").u8(11).u32(2).u8(1).u8(1).u8(3).text("s").text("m").u8(10).map("i", 1);
-    }
     return DocumentBuilder(minor)
-        .view(2, body.getBytes())
+        .view(2, makeFullView(minor).mBody.getBytes())
         .view(3, makeSmallViewBody(minor, "side"))
         .metadata(1, {3, 2})
         .build();

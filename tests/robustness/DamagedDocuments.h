@@ -4,6 +4,7 @@
 /// Documents to damage, and what is left of them.
 
 #include "platform/system/ktObjectDocument.h"
+#include "tests/legacy/StreamBuilder.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -47,9 +48,42 @@ private:
     Bytes mRecords;
 };
 
-/// A document of less than 600 bytes with every part that records of the version have: a view (id 2) with a text and,
-/// if there are any, a raster annotation, children and metadata; a small view (id 3); a metadata object (id 1) that
-/// lists both.
+/// What a claim beyond the data leads to.
+enum class Claim {
+    List,   ///< all at once: the budget ends it
+    Text,   ///< all at once, but a negative length is an empty text
+    Piece,  ///< piece by piece: the end of the data ends it, or what is then taken for a length of the next field
+};
+
+/// A record body and its 32-bit counts.
+struct CountedBody {
+    struct Field {
+        const char* mName;
+        std::size_t mOffset;
+        Claim mClaim;
+    };
+
+    explicit CountedBody(unsigned int minor) : mBody(minor) {}
+
+    void count(const char* name, std::uint32_t value) {
+        mark(name, Claim::List);
+        mBody.u32(value);
+    }
+    void text(const char* name, std::string_view value) {
+        mark(name, Claim::Text);
+        mBody.text(value);
+    }
+    void mark(const char* name, Claim claim) { mFields.push_back({name, mBody.getSize(), claim}); }
+
+    StreamBuilder mBody;
+    std::vector<Field> mFields;
+};
+
+/// A view with every part that records of the version have: a text and, if there are any, a raster annotation, children
+/// and metadata.
+CountedBody makeFullView(unsigned int minor);
+
+/// A document of less than 600 bytes: a full view (id 2), a small one (id 3), a metadata object (id 1) that lists both.
 Bytes makeSmallDocument(unsigned int minor);
 
 /// The record of a view without annotations.

@@ -3,20 +3,42 @@
 /// @file
 /// From documents to their drawings.
 
+#include "migration/ktAnnotationMigration.h"
+#include "platform/annotation/ktCadViewSvgWriter.h"
+#include "tests/support/RecordingLog.h"
+#include "tests/svg/XmlTree.h"
 #include "tools/ktannot/LegacyDocument.h"
+
+#include <gtest/gtest.h>
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 namespace ktTest {
 
-struct Drawings {
-    std::size_t mCount = 0;      ///< views that could be migrated and written
-    std::string mXmlError = {};  ///< of the first drawing that is not well-formed; empty when all are
-};
-
-/// Migrates every view of a document and writes its drawing. What the migration logs is dropped: failures are what the
-/// documents are made for.
-Drawings draw(const ktannot::LegacyDocument& document);
+/// Migrates every view of a document and writes its drawing, which must be well-formed.
+/// @return  how many views could be migrated.
+inline std::size_t countDrawings(const ktannot::LegacyDocument& document) {
+    const auto giveRaster = [](const std::string& name, std::string& data, void*) {
+        data = name;
+        return true;
+    };
+    constexpr int acceptAll = 7;
+    ktLegacy::ktAnnotationMigration migration(acceptAll, giveRaster, nullptr, 3.0F);
+    const RecordingLog failuresAreExpected;
+    std::size_t count = 0;
+    for (const ktannot::LegacyDocument::View& view : document.getViews()) {
+        kt::ktPointer<kt::ktCadAnnotationView> migrated;
+        if (migration.migrateAnnotationView(view.mView, migrated)) {
+            std::string file;
+            std::vector<std::string> warnings;
+            kt::ktCadViewSvgWriter(kt::ktCadViewSvgWriter::Options()).write(*migrated, file, warnings);
+            EXPECT_TRUE(kt::test::parseXml(file)) << file;
+            ++count;
+        }
+    }
+    return count;
+}
 
 }  // namespace ktTest

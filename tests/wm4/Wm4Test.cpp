@@ -30,21 +30,6 @@ static_assert(Wm4::Vector3<float>::UNIT_Z == Wm4::Vector3<float>(0, 0, 1));
 static_assert(Wm4::Matrix3<double>::IDENTITY(2, 2) == 1 && Wm4::Matrix3<double>::IDENTITY(2, 0) == 0);
 static_assert(Wm4::Math<float>::ZERO_TOLERANCE == 1e-6F && Wm4::Math<double>::ZERO_TOLERANCE == 1e-8);
 
-TEST(Wm4Matrix, ActsOnColumnVectors) {
-    const Wm4::Matrix3<float> quarterTurn(0, -1, 0, 1, 0, 0, 0, 0, 1);
-    EXPECT_EQ(quarterTurn * Wm4::Vector3<float>::UNIT_X, Wm4::Vector3<float>(0, 1, 0));
-    const Wm4::Matrix3<float> stretch(2, 0, 0, 0, 1, 0, 0, 0, 1);
-    // The right factor acts first.
-    EXPECT_EQ((quarterTurn * stretch) * Wm4::Vector3<float>::UNIT_X, Wm4::Vector3<float>(0, 2, 0));
-    EXPECT_EQ((stretch * quarterTurn) * Wm4::Vector3<float>::UNIT_X, Wm4::Vector3<float>(0, 1, 0));
-}
-
-TEST(Wm4Vector, CrossOfAxesIsRightHanded) {
-    using Vector = Wm4::Vector3<float>;
-    EXPECT_EQ(Vector::UNIT_X.Cross(Vector::UNIT_Y), Vector::UNIT_Z);
-    EXPECT_EQ(Vector::UNIT_Z.Cross(Vector::UNIT_X), Vector::UNIT_Y);
-}
-
 struct LineCase {
     const char* mName;
     Wm4::Line2<float> mLine0;
