@@ -22,6 +22,7 @@ TEST(PathBuilder, ClosesContoursUnlessTheyAreKeptOpen) {
     builder.startContour();
     builder.appendSegmentListMove({{0, 0}, {1, 0}});
     builder.appendSegmentListMove({{1, 1}});
+    builder.appendCubic({2, 1}, {2, 2}, {3, 3});
     builder.endContour(false);
     builder.startContour();
     builder.appendSegmentListMove({{5, 5}, {6, 6}});
@@ -31,7 +32,7 @@ TEST(PathBuilder, ClosesContoursUnlessTheyAreKeptOpen) {
     builder.startContour();
     builder.appendSegmentListMove({{2, 2}, {2, 2}, {2, 2}});
     builder.endContour(false);
-    EXPECT_EQ(getCommands(builder.createPathItem(true)), "MLLZMLMLMLLZ");
+    EXPECT_EQ(getCommands(builder.createPathItem(true)), "MLLCZMLMLMLLZ");
 }
 
 TEST(PathBuilder, HandsThePathOverOnceAndCopiesItOtherwise) {
