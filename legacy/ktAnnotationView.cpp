@@ -1,7 +1,7 @@
 #include "legacy/ktAnnotationView.h"
 
 #include "legacy/StreamReading_p.h"
-#include "legacy/VariantReading_p.h"
+#include "legacy/ViewMapReading_p.h"
 #include "legacy/ktAnnotationRaster.h"
 #include "legacy/ktAnnotationText.h"
 #include "legacy/ktLegacyVersions.h"
@@ -10,14 +10,13 @@
 
 #include <cstddef>
 #include <memory>
-#include <string_view>
 #include <utility>
 
 namespace ktLegacy {
 
 namespace {
 
-using Annotations = std::vector<kt::ktPointer<ktAnnotationInterface>>;
+using reading::Annotations;
 
 /// Reads count annotations of one kind and appends them; what cannot be read shows in the stream's error flag.
 template <typename Annotation>
@@ -29,103 +28,6 @@ void loadAnnotations(kt::ktBaseStream& stream, std::uint32_t count, Annotations&
         annotations.push_back(std::move(annotation));
     }
 }
-
-/// Reads the view of one document map; the messages come in the order in which the keys are looked at.
-class ViewMapReader {
-public:
-    ViewMapReader(ktAnnotationView& view, kt::ktStreamVersion version, std::vector<std::string>& errors)
-        : mView(view), mVersion(version), mErrors(errors) {}
-
-    void readPlaneVector(const kt::ktVariant* value, Wm4::Vector3<float>& vector, const char* message) {
-        if (value != nullptr && !reading::readTriple(value, vector)) {
-            mErrors.emplace_back(message);
-        }
-    }
-
-    void readMetadata(const kt::ktVariant* value) {
-        const reading::VariantMap* map = value != nullptr ? value->getMap() : nullptr;
-        if (map != nullptr) {
-            mView.mMetadata = *map;
-        } else {
-            mErrors.emplace_back("invalid 'metadata' field");
-        }
-    }
-
-    /// The list of annotations under a key; null, with a message, when there is none.
-    const reading::VariantList* getAnnotationList(const kt::ktVariant* value, const char* missingMessage,
-                                                  const char* invalidMessage) {
-        const reading::VariantList* list = reading::getList(value);
-        if (list == nullptr) {
-            mErrors.emplace_back(value == nullptr ? missingMessage : invalidMessage);
-        }
-        return list;
-    }
-
-    /// Reads annotations of the kinds that their "type" tells.
-    bool readAnnotations(const kt::ktVariant* value) {
-        const reading::VariantList* list =
-            getAnnotationList(value, "missing 'annotations' field", "invalid 'annotations' field");
-        return readEntries(list, "invalid 'annotations' field content", [this](const reading::VariantMap& entry) {
-            const reading::VariantText type(reading::findKey(entry, "type"));
-            if (type.get() == "text") {
-                readAnnotation<ktAnnotationText>(entry);
-            } else if (type.get() == "raster") {
-                readAnnotation<ktAnnotationRaster>(entry);
-            } else {
-                mErrors.emplace_back("invalid annotation type");
-            }
-        });
-    }
-
-    bool readTextAnnotations(const kt::ktVariant* value) {
-        const reading::VariantList* list =
-            getAnnotationList(value, "missing 'textannotations' field", "invalid 'textannotations' field");
-        // The message names the newer list; that is intended.
-        return readEntries(list, "invalid 'annotations' field content",
-                           [this](const reading::VariantMap& entry) { readAnnotation<ktAnnotationText>(entry); });
-    }
-
-    bool readRasterAnnotations(const kt::ktVariant* value) {
-        const reading::VariantList* list =
-            getAnnotationList(value, "missing 'rasterannotations' field", "invalid 'rasterannotations' field");
-        return readEntries(list, "invalid 'rasterannotations' field content",
-                           [this](const reading::VariantMap& entry) { readAnnotation<ktAnnotationRaster>(entry); });
-    }
-
-private:
-    /// Calls readEntry for each map of a list; each other entry gives a message. False when there is no list.
-    template <typename ReadEntry>
-    bool readEntries(const reading::VariantList* list, const char* contentMessage, ReadEntry readEntry) {
-        if (list == nullptr) {
-            return false;
-        }
-        mView.mAnnotations.reserve(mView.mAnnotations.size() + list->size());
-        for (const kt::ktVariant& entry : *list) {
-            if (const reading::VariantMap* map = entry.getMap(); map != nullptr) {
-                const reading::VariantMap* next = &entry != &list->back() ? (&entry + 1)->getMap() : nullptr;
-                if (next != nullptr) {
-                    reading::prefetchMap(*map, *next);
-                }
-                readEntry(*map);
-            } else {
-                mErrors.emplace_back(contentMessage);
-            }
-        }
-        return true;
-    }
-
-    template <typename Annotation>
-    void readAnnotation(const reading::VariantMap& map) {
-        kt::ktPointer<ktAnnotationInterface> annotation(new Annotation);
-        if (annotation->loadFromVariant(map, mVersion, mErrors)) {
-            mView.mAnnotations.push_back(std::move(annotation));
-        }
-    }
-
-    ktAnnotationView& mView;
-    kt::ktStreamVersion mVersion;
-    std::vector<std::string>& mErrors;
-};
 
 }  // namespace
 
@@ -229,28 +131,7 @@ void ktAnnotationView::Load(kt::ktBaseStream& stream) {
 
 kt::ktPointer<ktAnnotationView> ktAnnotationView::FromVariantMap(const kt::ktVariant::ktVariantMapImpl& map,
                                                                  std::vector<std::string>& errors) {
-    const reading::VariantText versionText(reading::findKey(map, "ver"));
-    const kt::ktStreamVersion version(versionText.get());
-    if (version < version::s6_17) {
-        errors.push_back("invalid version " + std::string(versionText.get()));
-        return {};
-    }
-    kt::ktPointer<ktAnnotationView> view(new ktAnnotationView);
-    if (const kt::ktVariant* name = reading::findKey(map, "name"); name != nullptr) {
-        view->SetName(std::string(reading::VariantText(name).get()));
-    }
-    ViewMapReader reader(*view, version, errors);
-    reader.readPlaneVector(reading::findKey(map, "origin"), view->mOrigin, "invalid 'origin' field");
-    reader.readPlaneVector(reading::findKey(map, "normal"), view->mNormal, "invalid 'normal' field");
-    reader.readPlaneVector(reading::findKey(map, "axis"), view->mAxis, "invalid 'axis' field");
-    if (version >= version::s6_27) {
-        reader.readMetadata(reading::findKey(map, "metadata"));
-    }
-    const bool hasAnnotations = version >= version::s6_22
-                                    ? reader.readAnnotations(reading::findKey(map, "annotations"))
-                                    : reader.readTextAnnotations(reading::findKey(map, "textannotations")) &&
-                                          reader.readRasterAnnotations(reading::findKey(map, "rasterannotations"));
-    return hasAnnotations ? view : nullptr;
+    return reading::readView(map, {}, errors);
 }
 
 kt::ktRttiInterface* ktAnnotationView::Factory(kt::ktBaseStream& stream) {

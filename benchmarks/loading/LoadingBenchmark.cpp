@@ -1,7 +1,8 @@
 /// Loading of views from both stored forms, measured against peers on the same bytes:
 ///
 ///   binary  the stream's loader to a plain loader into standard containers, and to a copy of the bytes
-///   JSON    text to variants to model to the parser's own document tree
+///   JSON    text to model to the parser's own document tree; and the two halves of the way by variants of the whole
+///           document, text to variants and variants to model
 ///
 /// A measurement loads as many documents of one size as hold 100,000 annotations and keeps them all, so that the sizes
 /// differ in nothing but the length of the document. Cold: each measurement is the first of a fresh process. Warm:
@@ -13,6 +14,7 @@
 #include "benchmarks/loading/PlainLoader.h"
 #include "benchmarks/loading/SampleDocuments.h"
 #include "legacy/ktAnnotationView.h"
+#include "legacy/ktVariantDocumentReader.h"
 #include "library/ktAnnotationLegacyLibrary.h"
 #include "platform/system/ktBaseStream.h"
 #include "platform/system/ktLimits.h"
@@ -306,26 +308,23 @@ private:
     std::vector<kt::ktVariant> mVariants;
 };
 
-/// JSON to model. The variants of a document are released with its view, as those of the tree are.
+/// JSON to model, as a caller does it who wants the views only.
 class JsonPeer : public ViewPeer {
 public:
     void load(const Documents& documents) override {
         for (const auto& document : documents.getJson()) {
+            std::vector<ktLegacy::ktVariantDocumentReader::View> views;
             kt::ktJsonError error;
-            if (!mReader.parse(document->get(), mVariants.emplace_back(), error)) {
-                fail("the reader refuses a document");
+            mReader.read(document->get(), views, error);
+            if (views.size() != 1 || views[0].mView == nullptr || !views[0].mMessages.empty()) {
+                fail("the document reader refuses a document");
             }
-            addView(mVariants.back());
+            mViews.push_back(std::move(views[0].mView));
         }
-    }
-    void release() override {
-        ViewPeer::release();
-        mVariants.clear();
     }
 
 private:
-    kt::ktJsonReader mReader;
-    std::vector<kt::ktVariant> mVariants;
+    ktLegacy::ktVariantDocumentReader mReader;
 };
 
 struct PeerKind {

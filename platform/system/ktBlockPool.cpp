@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cstdint>
 #include <mutex>
+#include <utility>
 
 #if defined(__SANITIZE_ADDRESS__)
 #define KT_POOL_USES_HEAP 1
@@ -25,6 +26,15 @@ void ktBlockPool::release(void* block, std::size_t /*size*/) noexcept { ::operat
 void ktBlockPool::Releases::add(void* block, std::size_t size) noexcept { release(block, size); }
 
 void ktBlockPool::Releases::settleChunk() noexcept {}
+
+ktBlockPool::Scratch::~Scratch() = default;
+
+// Every block is to be released.
+void ktBlockPool::Scratch::enter() noexcept { mSupply.mIsScattered = true; }
+
+void ktBlockPool::Scratch::leave() noexcept {}
+
+void ktBlockPool::Scratch::rewind() noexcept {}
 
 #else
 
@@ -49,18 +59,12 @@ struct alignas(sAlignment) Chunk {
     Chunk* mNextFree;
 };
 
-/// The chunk that a thread takes its blocks from.
-struct ThreadChunk {
-    std::byte* mCursor;
-    std::byte* mEnd;
-    Chunk* mChunk;
-    std::int64_t mHandedOut;
-    bool mIsThreadEnding;
-};
+using Supply = impl::ktBlockSupply;
 
 /// Trivial, so that no access needs a check for initialisation; the initial-exec model saves the call that looks up the
 /// thread's copy.
-[[gnu::tls_model("initial-exec")]] constinit thread_local ThreadChunk sThreadChunk{};
+[[gnu::tls_model("initial-exec")]] constinit thread_local Supply sThreadSupply{};
+[[gnu::tls_model("initial-exec")]] constinit thread_local bool sIsThreadEnding = false;
 
 /// Chunks without blocks. Guarded by sCacheMutex.
 struct ChunkList {
@@ -147,21 +151,19 @@ void settle(Chunk* chunk, std::int64_t count) noexcept {
     }
 }
 
-/// Gives up the thread's chunk: from now on it lives as long as its blocks.
-void retire(ThreadChunk& own) noexcept {
+/// Gives up the chunk of a supply: from now on it lives as long as its blocks.
+void retire(Supply& own) noexcept {
     if (own.mChunk != nullptr) {
-        settle(own.mChunk, sOwnerShare - own.mHandedOut);
-        own.mChunk = nullptr;
-        own.mCursor = nullptr;
-        own.mEnd = nullptr;
+        settle(static_cast<Chunk*>(own.mChunk), sOwnerShare - own.mHandedOut);
+        own = {nullptr, nullptr, nullptr, 0, true};
     }
 }
 
 /// Gives up the chunk of a thread that ends.
 struct ThreadEnd {
     ~ThreadEnd() {
-        sThreadChunk.mIsThreadEnding = true;
-        retire(sThreadChunk);
+        sIsThreadEnding = true;
+        retire(sThreadSupply);
     }
 };
 
@@ -172,15 +174,15 @@ Chunk* chunkOf(void* block) {
 
 std::byte* blocksOf(Chunk* chunk) { return reinterpret_cast<std::byte*>(chunk) + sizeof(Chunk); }
 
-/// A block from a fresh chunk, which becomes the thread's own.
-[[gnu::noinline]] void* allocateFromNewChunk(ThreadChunk& own, std::size_t size) {
+/// A block from a fresh chunk, which becomes the supply's own.
+[[gnu::noinline]] void* allocateFromNewChunk(Supply& own, std::size_t size) {
     Chunk* chunk = acquireChunk();
     retire(own);
     own.mChunk = chunk;
     own.mCursor = blocksOf(chunk) + size;
     own.mEnd = reinterpret_cast<std::byte*>(chunk) + sChunkSize;
     own.mHandedOut = 1;
-    if (own.mIsThreadEnding) {
+    if (sIsThreadEnding) {
         // Other thread-local objects still run their destructors and nobody would give up the chunk later.
         retire(own);
     } else {
@@ -194,11 +196,12 @@ std::byte* blocksOf(Chunk* chunk) { return reinterpret_cast<std::byte*>(chunk) +
 
 void* ktBlockPool::allocate(std::size_t size) {
     if (size > sMaxBlockSize) [[unlikely]] {
+        sThreadSupply.mIsScattered = true;
         return ::operator new(size);
     }
     // At least one unit, so that every block lies inside its chunk.
     size = size == 0 ? sAlignment : (size + sAlignment - 1) & ~(sAlignment - 1);
-    ThreadChunk& own = sThreadChunk;
+    Supply& own = sThreadSupply;
     if (static_cast<std::size_t>(own.mEnd - own.mCursor) < size) [[unlikely]] {
         return allocateFromNewChunk(own, size);
     }
@@ -234,6 +237,33 @@ void ktBlockPool::Releases::settleChunk() noexcept {
         settle(static_cast<Chunk*>(mChunk), mCount);
         mCount = 0;
     }
+}
+
+ktBlockPool::Scratch::~Scratch() {
+    leave();
+    retire(mSupply);
+}
+
+void ktBlockPool::Scratch::enter() noexcept {
+    std::swap(sThreadSupply, mSupply);
+    mIsEntered = true;
+}
+
+void ktBlockPool::Scratch::leave() noexcept {
+    if (mIsEntered) {
+        std::swap(sThreadSupply, mSupply);
+        mIsEntered = false;
+    }
+}
+
+void ktBlockPool::Scratch::rewind() noexcept {
+    if (mSupply.mChunk != nullptr) {
+        auto* chunk = static_cast<Chunk*>(mSupply.mChunk);
+        chunk->mLiveCount.store(sOwnerShare, std::memory_order_relaxed);
+        mSupply.mCursor = blocksOf(chunk);
+        mSupply.mHandedOut = 0;
+    }
+    mSupply.mIsScattered = false;
 }
 
 #endif

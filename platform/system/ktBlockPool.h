@@ -11,6 +11,19 @@
 
 namespace kt {
 
+namespace impl {
+
+/// Where a thread takes its blocks from.
+struct ktBlockSupply {
+    std::byte* mCursor;
+    std::byte* mEnd;
+    void* mChunk;
+    std::int64_t mHandedOut;  ///< blocks of the chunk
+    bool mIsScattered;        ///< blocks were handed out that lie elsewhere
+};
+
+}  // namespace impl
+
 /// Hands out small blocks from chunks: allocation advances a cursor in the calling thread's chunk, release counts down
 /// the chunk's live blocks, and a chunk without live blocks is used again or given back. Meant for documents, whose
 /// objects are made together and die together; a single long-lived block keeps its chunk. Blocks may be released on
@@ -44,6 +57,32 @@ public:
 
         void* mChunk = nullptr;
         std::int64_t mCount = 0;
+    };
+
+    /// Memory for blocks that die soon and together: while a thread has entered a scratch, its blocks come from there,
+    /// and after a rewind the same memory, which is still in the cache, is handed out again. They are blocks like all
+    /// others. Entered by one thread at a time.
+    class KT_SYSTEM_API Scratch {
+    public:
+        Scratch() noexcept = default;
+        Scratch(const Scratch&) = delete;
+        Scratch& operator=(const Scratch&) = delete;
+        /// Leaves the scratch. Blocks in use stay valid.
+        ~Scratch();
+
+        void enter() noexcept;
+        /// Blocks come from where they came before. Does nothing when the scratch is not entered.
+        void leave() noexcept;
+
+        /// Whether blocks in use need not be released before a rewind. Not while the scratch is entered.
+        bool isCompact() const noexcept { return !mSupply.mIsScattered; }
+        /// Begins anew: the blocks handed out so far are no longer used, and were released unless the scratch is
+        /// compact. Not while it is entered.
+        void rewind() noexcept;
+
+    private:
+        impl::ktBlockSupply mSupply{};
+        bool mIsEntered = false;
     };
 };
 

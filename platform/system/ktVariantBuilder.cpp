@@ -218,7 +218,7 @@ void ktVariantBuilder::clear() noexcept {
     while (!mFrames.empty()) {
         drop();
     }
-    destroyCells({ktVariant::Kind::List, 0});
+    destroyCells({ktVariant::Kind::List, false, 0});
 }
 
 }  // namespace kt::impl

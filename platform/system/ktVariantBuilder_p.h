@@ -10,6 +10,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <memory>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -62,6 +64,12 @@ public:
 
     void beginMap() { begin(ktVariant::Kind::Map); }
     void beginList() { begin(ktVariant::Kind::List); }
+    /// Begins a list whose elements are taken away one by one.
+    void beginOfferedList() {
+        begin(ktVariant::Kind::List);
+        mFrames.back().mIsOffered = true;
+        mIsInOfferedList = true;
+    }
     /// The key of the value that comes next, which is in a map.
     void addKey(std::string_view key) {
         new (makeRoom()) ktVariantKey(key);
@@ -92,6 +100,23 @@ public:
     /// Maps and lists begun and not ended.
     std::size_t getDepth() const { return mFrames.size(); }
     bool isInMap() const { return mIsInMap; }
+    bool isInOfferedList() const { return mIsInOfferedList; }
+    /// Whether the innermost map is the outermost one, or lies in a list that is.
+    bool isInRecord() const {
+        return mIsInMap && (mFrames.size() == 1 || (mFrames.size() == 2 && mFrames[0].mKind == ktVariant::Kind::List));
+    }
+    /// The key that waits for its value.
+    std::string_view getLooseKey() const {
+        return reinterpret_cast<const ktVariantKey*>(mCells + mCellCount - 1)->view();
+    }
+    /// Entries of the innermost map so far, as they came.
+    std::span<const Entry> getEntries() const {
+        return {reinterpret_cast<const Entry*>(mCells + mFrames.back().mFirstCell), getElementCount()};
+    }
+    const ktVariant& getLastValue() const { return *reinterpret_cast<const ktVariant*>(mCells + mCellCount - 1); }
+    void dropLastValue() { std::destroy_at(reinterpret_cast<ktVariant*>(mCells + --mCellCount)); }
+    /// Drops the last value without releasing what it owns.
+    void forgetLastValue() { --mCellCount; }
     /// Elements of the innermost list so far, or entries of the innermost map.
     std::size_t getElementCount() const;
 
@@ -110,6 +135,7 @@ private:
     };
     struct Frame {
         ktVariant::Kind mKind;
+        bool mIsOffered;
         std::size_t mFirstCell;
     };
     /// The keys of a map in the order in which they came, and the entries' places in key order. Most maps of a document
@@ -123,12 +149,14 @@ private:
     };
 
     void begin(ktVariant::Kind kind) {
-        mFrames.push_back({kind, mCellCount});
+        mFrames.push_back({kind, false, mCellCount});
         mIsInMap = kind == ktVariant::Kind::Map;
+        mIsInOfferedList = false;
     }
     void endFrame() {
         mFrames.pop_back();
         mIsInMap = !mFrames.empty() && mFrames.back().mKind == ktVariant::Kind::Map;
+        mIsInOfferedList = !mFrames.empty() && mFrames.back().mIsOffered;
     }
     Cell* makeRoom() {
         if (mCellCount == mCellCapacity) [[unlikely]] {
@@ -153,6 +181,7 @@ private:
     std::size_t mCellCapacity = 0;
     std::vector<Frame> mFrames;
     bool mIsInMap = false;  ///< whether the innermost frame is a map's
+    bool mIsInOfferedList = false;
     std::vector<Shape> mShapes;
 };
 

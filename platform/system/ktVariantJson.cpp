@@ -1,7 +1,9 @@
 #include "platform/system/ktVariantJson.h"
 
+#include "platform/system/ktBlockPool.h"
 #include "platform/system/ktJsonDiagnosis_p.h"
 #include "platform/system/ktJsonNumber_p.h"
+#include "platform/system/ktJsonSink.h"
 #include "platform/system/ktLimits.h"
 #include "platform/system/ktVariantBuilder_p.h"
 
@@ -149,8 +151,10 @@ struct Tokens {
 /// begin; the second builds the variants from token to token.
 class ktJsonReader::Impl {
 public:
-    bool parse(std::string_view text, ktVariant& value, ktJsonError& error) {
+    bool parse(std::string_view text, ktJsonSink* sink, ktVariant& value, ktJsonError& error) {
+        const Cleanup cleanup(*this);
         mText = text;
+        mSink = sink;
         if (!findTokens(error)) {
             return false;
         }
@@ -158,7 +162,6 @@ public:
         Tokens tokens{mText.data(), first, first + mIndex->n_structural_indexes};
         const char* fault = readDocument(tokens);
         if (fault != nullptr) {
-            mBuilder.clear();
             error.mOffset = getFaultOffset(tokens, fault);
             error.mMessage = fault;
             error.mIsLimit = fault == sTooDeep;
@@ -169,6 +172,21 @@ public:
     }
 
 private:
+    /// Leaves nothing of a text behind, however its reading ends.
+    class Cleanup {
+    public:
+        explicit Cleanup(Impl& impl) : mImpl(impl) {}
+        Cleanup(const Cleanup&) = delete;
+        Cleanup& operator=(const Cleanup&) = delete;
+        ~Cleanup() {
+            mImpl.mScratch.leave();
+            mImpl.mBuilder.clear();
+        }
+
+    private:
+        Impl& mImpl;
+    };
+
     static constexpr const char* sWrongEscape = "Invalid escape in string.";
     static constexpr const char* sTooDeep = "Arrays and objects are nested deeper than this reader accepts.";
 
@@ -247,10 +265,14 @@ private:
 
     /// What follows a value in a list.
     [[gnu::always_inline]] const char* readListPart(Tokens& tokens) {
+        const bool isOffered = mBuilder.isInOfferedList();
+        if (isOffered) {
+            offerElement();
+        }
         switch (tokens.character()) {
             case ']':
                 ++tokens.mNext;
-                mBuilder.end();
+                endList(isOffered);
                 return nullptr;
             case ',':
                 ++tokens.mNext;
@@ -319,14 +341,57 @@ private:
             return sTooDeep;
         }
         ++tokens.mNext;
-        mBuilder.beginList();
+        const bool isOffered = mSink != nullptr && mBuilder.getDepth() <= sMaxRecordDepth && beginOfferedList();
+        if (!isOffered) {
+            mBuilder.beginList();
+        }
         if (tokens.character() == ']') {
             ++tokens.mNext;
-            mBuilder.end();
+            endList(isOffered);
             return nullptr;
         }
         tokens.mExpectsValue = true;
         return nullptr;
+    }
+
+    void endList(bool isOffered) {
+        if (isOffered) {
+            mScratch.leave();
+        }
+        mBuilder.end();
+    }
+
+    /// Begins a list whose elements go to the sink; false when the list is not such a one.
+    [[gnu::noinline]] bool beginOfferedList() {
+        if (mBuilder.getDepth() == 0) {
+            mBuilder.beginOfferedList();
+            return true;
+        }
+        if (!mBuilder.isInRecord() || !mSink->beginList(mBuilder.getLooseKey(), mBuilder.getEntries())) {
+            return false;
+        }
+        mBuilder.beginOfferedList();
+        mScratch.rewind();
+        mScratch.enter();
+        return true;
+    }
+
+    /// Hands the element that was read last to the sink and drops it.
+    [[gnu::noinline]] void offerElement() {
+        if (mBuilder.getDepth() == 1) {
+            mSink->takeRecord(mBuilder.getLastValue());
+            mBuilder.dropLastValue();
+            return;
+        }
+        mScratch.leave();
+        mSink->takeElement(mBuilder.getLastValue());
+        if (mScratch.isCompact()) {
+            mBuilder.forgetLastValue();
+        } else {
+            mBuilder.dropLastValue();
+        }
+        mScratch.rewind();
+        mScratch.enter();
     }
 
     [[gnu::always_inline]] const char* readString(Tokens& tokens) {
@@ -428,9 +493,14 @@ private:
         return next == ',' || next == '}' || next == ']' || isBlank(next);
     }
 
+    /// Maps and lists around the entries of a record.
+    static constexpr std::size_t sMaxRecordDepth = 2;
+
     std::string_view mText;
+    ktJsonSink* mSink = nullptr;
     std::unique_ptr<simdjson::internal::dom_parser_implementation> mIndex;
     impl::ktVariantBuilder mBuilder;
+    ktBlockPool::Scratch mScratch;  ///< entered within a list of elements that the sink takes, but not for the sink
     Unescaper mUnescaper;
 };
 
@@ -439,12 +509,20 @@ ktJsonReader::ktJsonReader() : mImpl(std::make_unique<Impl>()) {}
 ktJsonReader::~ktJsonReader() = default;
 
 bool ktJsonReader::parse(std::span<const std::byte> text, ktVariant& value, ktJsonError& error) {
+    return parseFor(nullptr, text, value, error);
+}
+
+bool ktJsonReader::parse(std::span<const std::byte> text, ktVariant& value, ktJsonError& error, ktJsonSink& sink) {
+    return parseFor(&sink, text, value, error);
+}
+
+bool ktJsonReader::parseFor(ktJsonSink* sink, std::span<const std::byte> text, ktVariant& value, ktJsonError& error) {
     std::string_view characters(reinterpret_cast<const char*>(text.data()), text.size());
     const bool hasMark = characters.starts_with(sByteOrderMark);
     characters.remove_prefix(hasMark ? sByteOrderMark.size() : 0);
     value = ktVariant();
     error = ktJsonError();
-    if (mImpl->parse(characters, value, error)) {
+    if (mImpl->parse(characters, sink, value, error)) {
         return true;
     }
     if (error.mIsLimit) {

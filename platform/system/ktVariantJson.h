@@ -14,6 +14,8 @@
 
 namespace kt {
 
+class ktJsonSink;
+
 /// Why a text was refused.
 struct ktJsonError {
     std::uint64_t mLine = 0;    ///< from 1; lines end with a line feed
@@ -39,9 +41,14 @@ public:
     /// Reads one text into value. False, with the reason in error and value undefined, when it is refused.
     /// Throws std::bad_alloc.
     bool parse(std::span<const std::byte> text, ktVariant& value, ktJsonError& error);
+    /// The same, with what the sink takes left out of value. Also throws what the sink throws.
+    bool parse(std::span<const std::byte> text, ktVariant& value, ktJsonError& error, ktJsonSink& sink);
 
 private:
     class Impl;
+
+    bool parseFor(ktJsonSink* sink, std::span<const std::byte> text, ktVariant& value, ktJsonError& error);
+
     std::unique_ptr<Impl> mImpl;
 };
 

@@ -1,7 +1,6 @@
 #include "tools/ktannot/LegacyDocument.h"
 
 #include "legacy/ktAnnotationMetaData.h"
-#include "legacy/ktLegacyVersions.h"
 #include "platform/system/ktLimits.h"
 #include "platform/system/ktMappedFile.h"
 #include "platform/system/ktObjectDocument.h"
@@ -12,6 +11,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <iterator>
 #include <new>
 #include <string_view>
 #include <unordered_map>
@@ -24,7 +24,7 @@ namespace {
 
 using ktLegacy::ktAnnotationMetaData;
 using ktLegacy::ktAnnotationView;
-using VariantMap = kt::ktVariant::ktVariantMapImpl;
+using ktLegacy::ktVariantDocumentReader;
 using VariantList = kt::ktVariant::ktVariantListImpl;
 
 std::string describeNestingLimit() {
@@ -67,31 +67,6 @@ std::unordered_map<std::uint32_t, std::size_t> indexViews(const kt::ktObjectDocu
         }
     }
     return indexById;
-}
-
-std::string getText(const VariantMap& map, std::string_view key) {
-    const auto entry = map.find(key);
-    return entry != map.end() ? entry->second.toString() : std::string();
-}
-
-std::size_t countElements(const VariantMap& map, std::string_view key) {
-    const auto entry = map.find(key);
-    const VariantList* list = entry != map.end() ? entry->second.getList() : nullptr;
-    return list != nullptr ? list->size() : 0;
-}
-
-/// How many annotations a view map lists; which lists count depends on its version.
-std::size_t countAnnotations(const VariantMap& map, kt::ktStreamVersion version) {
-    return version >= ktLegacy::version::s6_22
-               ? countElements(map, "annotations")
-               : countElements(map, "textannotations") + countElements(map, "rasterannotations");
-}
-
-bool isViewMap(const kt::ktVariant& value) { return value.isMap() && value.getMap()->contains("ver"); }
-
-bool holdsViewMap(const kt::ktVariant& value) {
-    const VariantList* list = value.getList();
-    return isViewMap(value) || (list != nullptr && std::any_of(list->begin(), list->end(), isViewMap));
 }
 
 /// Whether the first character that is not blank begins a JSON object or array.
@@ -217,52 +192,65 @@ void LegacyDocument::readVariant(std::span<const std::byte> bytes, bool isSkippe
                                 " bytes; raise it to " + std::to_string(bytes.size() * sVariantMemoryPerByte));
         return;
     }
-    kt::ktVariant value;
+    std::vector<ktVariantDocumentReader::View> views;
     kt::ktJsonError error;
-    if (!kt::ktJsonReader().parse(bytes, value, error)) {
+    const ktVariantDocumentReader::Outcome outcome = ktVariantDocumentReader().read(bytes, views, error);
+    const auto isViewMap = [](const ktVariantDocumentReader::View& view) { return view.mHasVersion; };
+    if (outcome == ktVariantDocumentReader::Outcome::NotJson) {
         mLimit = error.mIsLimit ? "a limit of the JSON reader" : "";
         end(State::Refused, describe(error, looksLikeJson(bytes)));
-    } else if (isSkippedWithoutViewMap && !holdsViewMap(value)) {
+    } else if (isSkippedWithoutViewMap && std::none_of(views.begin(), views.end(), isViewMap)) {
         end(State::Skipped, {});
-    } else if (value.isMap()) {
-        readViewMap(value);
-    } else if (VariantList* list = value.editList()) {
-        for (kt::ktVariant& element : *list) {
-            readViewMap(element);
-            // The map and its view need not live together.
-            element = kt::ktVariant();
-        }
-    } else {
+    } else if (outcome == ktVariantDocumentReader::Outcome::SingleValue) {
         end(State::Refused,
             "line 1, column 1: the document is a single value; a view map or a list of view maps is wanted");
+    } else {
+        for (ktVariantDocumentReader::View& view : views) {
+            addView(view);
+        }
+        if (reachesNestingLimit(bytes)) {
+            mLimit = describeNestingLimit();
+        }
     }
 }
 
-void LegacyDocument::readViewMap(const kt::ktVariant& value) {
-    // What is no map counts as a map without entries.
-    const VariantMap noEntries;
-    const VariantMap& map = value.isMap() ? *value.getMap() : noEntries;
-    const kt::ktStreamVersion version(getText(map, "ver"));
+void LegacyDocument::addView(ktVariantDocumentReader::View& read) {
     View& view = mViews.emplace_back();
-    view.mVersion = version.toString();
+    view.mVersion = read.mVersion.toString();
     view.mMessagesBegin = mMessages.size();
-    view.mView = ktAnnotationView::FromVariantMap(map, mMessages);
+    std::move(read.mMessages.begin(), read.mMessages.end(), std::back_inserter(mMessages));
     view.mMessagesEnd = mMessages.size();
+    view.mView = std::move(read.mView);
     view.mIsMissing = !view.mView;
     if (view.mIsMissing) {
         return;
     }
-    const std::size_t listed = countAnnotations(map, version);
     const std::size_t loaded = view.mView->mAnnotations.size();
-    if (loaded < listed) {
+    if (loaded < read.mEntryCount) {
         mProblems.push_back({0, 0,
-                             std::to_string(listed - loaded) + " of " + std::to_string(listed) +
+                             std::to_string(read.mEntryCount - loaded) + " of " + std::to_string(read.mEntryCount) +
                                  " annotations of view '" + view.mView->mName + "' could not be read",
                              mViews.size() - 1});
     }
-    if (NestingLimit::isReachedByVariant(*view.mView, map)) {
-        mLimit = describeNestingLimit();
+}
+
+bool LegacyDocument::reachesNestingLimit(std::span<const std::byte> bytes) const {
+    const auto isDeep = [](const View& view) { return view.mView && NestingLimit::isDeepestLevelRead(*view.mView); };
+    if (std::none_of(mViews.begin(), mViews.end(), isDeep)) {
+        return false;
     }
+    // Only now the maps are worth their memory.
+    kt::ktVariant value;
+    kt::ktJsonError error;
+    kt::ktJsonReader().parse(bytes, value, error);
+    const VariantList* maps = value.getList();
+    for (std::size_t index = 0; index < mViews.size(); ++index) {
+        const kt::ktVariant& map = maps != nullptr ? (*maps)[index] : value;
+        if (isDeep(mViews[index]) && NestingLimit::isReachedByVariant(*mViews[index].mView, *map.getMap())) {
+            return true;
+        }
+    }
+    return false;
 }
 
 }  // namespace ktannot

@@ -4,6 +4,7 @@
 /// One legacy document in memory.
 
 #include "legacy/ktAnnotationView.h"
+#include "legacy/ktVariantDocumentReader.h"
 #include "platform/system/ktPointer.h"
 #include "tools/ktannot/ExitCode.h"
 #include "tools/ktannot/InputSet.h"
@@ -96,7 +97,9 @@ private:
     void read(std::span<const std::byte> bytes, bool isSkippedWithoutViewMap);
     void readStream(std::span<const std::byte> bytes);
     void readVariant(std::span<const std::byte> bytes, bool isSkippedWithoutViewMap);
-    void readViewMap(const kt::ktVariant& value);
+    void addView(ktLegacy::ktVariantDocumentReader::View& read);
+    /// Whether annotations of a variant document were not read because they are nested too deeply.
+    bool reachesNestingLimit(std::span<const std::byte> bytes) const;
     void end(State state, std::string reason);
 
     std::string mSource;

@@ -53,9 +53,11 @@ const kt::ktVariant::ktVariantListImpl* getChildren(const kt::ktVariant::ktVaria
 
 bool NestingLimit::isReachedByStream(const ktAnnotationView& view) { return findDeepestLevel(view).mHasMissingChild; }
 
+bool NestingLimit::isDeepestLevelRead(const ktAnnotationView& view) { return findDeepestLevel(view).mIsReached; }
+
 bool NestingLimit::isReachedByVariant(const ktAnnotationView& view, const kt::ktVariant::ktVariantMapImpl& map) {
     const auto annotations = map.find("annotations");
-    if (!findDeepestLevel(view).mIsReached || annotations == map.end()) {
+    if (!isDeepestLevelRead(view) || annotations == map.end()) {
         return false;
     }
     std::vector<std::pair<const kt::ktVariant*, int>> open{{&annotations->second, 0}};

@@ -1,0 +1,7 @@
+#include "platform/system/ktJsonSink.h"
+
+namespace kt {
+
+ktJsonSink::~ktJsonSink() = default;
+
+}  // namespace kt
