@@ -10,9 +10,9 @@
 
 #include <algorithm>
 #include <array>
-#include <compare>
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -42,15 +42,17 @@ std::array<const kt::ktVariant*, Count> findKeys(const VariantMap& map, const Ke
     std::array<const kt::ktVariant*, Count> values{};
     std::size_t wanted = 0;
     for (const auto& entry : map) {
-        std::strong_ordering order = std::strong_ordering::greater;
-        while (wanted < Count && std::is_gt(order = entry.first <=> keys[wanted])) {
-            ++wanted;
+        const kt::ktVariantKey::Rank rank = entry.first.getRank();
+        while (keys[wanted].getRank() < rank) {
+            if (++wanted == Count) {
+                return values;
+            }
         }
-        if (wanted == Count) {
-            break;
-        }
-        if (std::is_eq(order)) {
-            values[wanted++] = &entry.second;
+        if (keys[wanted].getRank() == rank) {
+            values[wanted] = &entry.second;
+            if (++wanted == Count) {
+                return values;
+            }
         }
     }
     return values;
@@ -89,8 +91,7 @@ public:
         if (value->isString()) {
             mText = value->getStringView();
         } else {
-            mConverted = value->toString();
-            mText = mConverted;
+            mText = mConverted.emplace(value->toString());
         }
     }
     VariantText(const VariantText&) = delete;
@@ -100,7 +101,7 @@ public:
     std::string_view get() const { return mText; }
 
 private:
-    std::string mConverted;
+    std::optional<std::string> mConverted;
     std::string_view mText;
 };
 

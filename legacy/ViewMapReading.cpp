@@ -31,8 +31,9 @@ constexpr std::array<AnnotationListKey, 2> sKeysPrior_6_22{{
 /// Undefined for every word that names no type.
 Type readType(const VariantMap& entry) {
     static constexpr std::array<Word<Type>, 2> sTypeWords{{{"text", Type::Text}, {"raster", Type::Raster}}};
-    const VariantText type(findKey(entry, "type"));
-    return readWord(type.get(), sTypeWords, Type::Undefined);
+    static constexpr auto keys = makeKeys("type");
+    const auto [type] = findKeys(entry, keys);
+    return readWord(VariantText(type).get(), sTypeWords, Type::Undefined);
 }
 
 kt::ktPointer<ktAnnotationInterface> createAnnotation(Type type) {

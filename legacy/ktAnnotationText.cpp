@@ -187,6 +187,12 @@ void ktAnnotationText::TextSegment::setText(const std::string& text) { assignTex
 
 void ktAnnotationText::TextSegment::assignText(std::string_view text) {
     const auto length = static_cast<std::uint16_t>(std::min(text.size(), sMaxSegmentLength));
+    if (mText == nullptr) {
+        if (length != 0) {
+            reading::copyText(allocateText(length), text.data(), length);
+        }
+        return;
+    }
     // The text may be a part of the segment's own: the old one is released last.
     TextSegment old;
     old.mText = std::exchange(mText, nullptr);

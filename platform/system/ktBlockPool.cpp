@@ -1,19 +1,13 @@
 #include "platform/system/ktBlockPool.h"
 
+#include "platform/system/ktBlockPool_p.h"
+
 #include <sys/mman.h>
 
 #include <atomic>
 #include <cstdint>
 #include <mutex>
 #include <utility>
-
-#if defined(__SANITIZE_ADDRESS__)
-#define KT_POOL_USES_HEAP 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define KT_POOL_USES_HEAP 1
-#endif
-#endif
 
 namespace kt {
 
@@ -38,11 +32,13 @@ void ktBlockPool::Scratch::rewind() noexcept {}
 
 #else
 
+constinit thread_local impl::ktBlockSupply impl::sThreadSupply{};
+
 namespace {
 
 constexpr std::size_t sChunkSize = 256 * std::size_t{1024};
 constexpr std::size_t sPageSize = 4096;
-constexpr std::size_t sAlignment = 16;
+constexpr std::size_t sAlignment = impl::sBlockAlignment;
 /// Chunks kept as they are for the next document: 64 MiB.
 constexpr std::size_t sMaxWarmChunks = 256;
 /// Chunks kept beyond these, up to 1 GiB, are offered to the system, which takes their pages when it needs memory;
@@ -60,10 +56,8 @@ struct alignas(sAlignment) Chunk {
 };
 
 using Supply = impl::ktBlockSupply;
+using impl::sThreadSupply;
 
-/// Trivial, so that no access needs a check for initialisation; the initial-exec model saves the call that looks up the
-/// thread's copy.
-[[gnu::tls_model("initial-exec")]] constinit thread_local Supply sThreadSupply{};
 [[gnu::tls_model("initial-exec")]] constinit thread_local bool sIsThreadEnding = false;
 
 /// Chunks without blocks. Guarded by sCacheMutex.

@@ -116,7 +116,7 @@ bool ktVariant::toBool() const noexcept {
     }
 }
 
-double ktVariant::toReal() const noexcept {
+double ktVariant::convertToReal() const noexcept {
     switch (getKind()) {
         case Kind::Boolean:
             return load<bool>(0) ? 1.0 : 0.0;

@@ -102,7 +102,7 @@ public:
     /// The boolean; number != 0; string "true" or "1"; else false.
     bool toBool() const noexcept;
     /// The number; 1 or 0 of a boolean; the value of a string that is wholly a JSON number; else 0.
-    double toReal() const noexcept;
+    double toReal() const noexcept { return getKind() == Kind::Real ? load<double>(0) : convertToReal(); }
     /// toReal() as an integer, cut towards zero and clamped; an integer is given as it is.
     std::int64_t toInteger() const noexcept;
     /// A copy of the map, or an empty one.
@@ -175,6 +175,7 @@ private:
         store(0, block);
         setTag(static_cast<std::uint8_t>(kind) | sOwnsStorage);
     }
+    double convertToReal() const noexcept;
     std::string_view getLongText() const noexcept;
     void setText(std::string_view text);
     void copyOwner(const ktVariant& other);

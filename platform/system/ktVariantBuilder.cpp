@@ -143,7 +143,7 @@ ktVariantBlock* ktVariantBuilder::makeMapBlock(Cell* entries, std::size_t count)
     auto* raw = reinterpret_cast<RawEntry*>(entries);
     if (count > 1 && count <= Shape::sMaxCount) {
         Shape& shape = chooseShape(mShapes, entries, count);
-        if (matches(shape, entries, count) || learn(shape, entries, count)) {
+        if (matches(shape, entries, count) || learn(shape, entries, count)) [[likely]] {
             ktVariantBlock* block = ktVariantStorage::allocateBlock(ktVariant::Kind::Map, count);
             auto* target = block->elements<RawEntry>();
             for (std::size_t index = 0; index < count; ++index) {
@@ -153,33 +153,47 @@ ktVariantBlock* ktVariantBuilder::makeMapBlock(Cell* entries, std::size_t count)
             return block;
         }
     }
-    count = sortEntries(reinterpret_cast<Entry*>(entries), count);
-    mCellCount = mFrames.back().mFirstCell + 2 * count;
-    ktVariantBlock* block = ktVariantStorage::allocateBlock(ktVariant::Kind::Map, count);
-    std::memcpy(block->elements<RawEntry>(), raw, count * sizeof(RawEntry));
+    if (count != 1) {
+        count = sortEntries(reinterpret_cast<Entry*>(entries), count);
+        mCellCount = mFrames.back().mFirstCell + 2 * count;
+    }
+    return makeBlock(ktVariant::Kind::Map, entries, 2 * count, count);
+}
+
+/// A block that holds the cells of count elements.
+ktVariantBlock* ktVariantBuilder::makeBlock(ktVariant::Kind kind, const Cell* cells, std::size_t cellCount,
+                                            std::size_t count) {
+    ktVariantBlock* block = ktVariantStorage::allocateBlock(kind, count);
+    auto* target = block->elements<Cell>();
+    // Most blocks are so small that a call would take longer than their copy.
+    constexpr std::size_t sFewCells = 3;
+    if (cellCount > sFewCells) {
+        std::memcpy(target, cells, cellCount * sizeof(Cell));
+    } else {
+        target[0] = cells[0];
+        target[cellCount / 2] = cells[cellCount / 2];
+        target[cellCount - 1] = cells[cellCount - 1];
+    }
     block->mSize = static_cast<std::uint32_t>(count);
     return block;
 }
 
 void ktVariantBuilder::end() {
-    const Frame frame = mFrames.back();
-    Cell* first = mCells + frame.mFirstCell;
-    const std::size_t count = getElementCount();
+    const Frame& frame = mFrames.back();
+    const ktVariant::Kind kind = frame.mKind;
+    const std::size_t firstCell = frame.mFirstCell;
+    const std::size_t cellCount = mCellCount - firstCell;
+    Cell* first = mCells + firstCell;
     ktVariantBlock* block = nullptr;
-    if (count != 0) {
-        if (frame.mKind == ktVariant::Kind::Map) {
-            block = makeMapBlock(first, count);
-        } else {
-            block = ktVariantStorage::allocateBlock(frame.mKind, count);
-            std::memcpy(block->elements<Cell>(), first, count * sizeof(Cell));
-            block->mSize = static_cast<std::uint32_t>(count);
-        }
+    if (cellCount != 0) {
+        block = kind == ktVariant::Kind::Map ? makeMapBlock(first, cellCount / 2)
+                                             : makeBlock(kind, first, cellCount, cellCount);
     }
-    mCellCount = frame.mFirstCell;
+    mCellCount = firstCell;
     endFrame();
     // The room of the elements holds their container, unless there were none.
     auto* container = new (makeRoom()) ktVariant;
-    container->setContainer(frame.mKind, block);
+    container->setContainer(kind, block);
     ++mCellCount;
 }
 

@@ -170,6 +170,7 @@ private:
         ++mCellCount;
     }
     void grow();
+    static ktVariantBlock* makeBlock(ktVariant::Kind kind, const Cell* cells, std::size_t cellCount, std::size_t count);
     ktVariantBlock* makeMapBlock(Cell* entries, std::size_t count);
     static bool matches(const Shape& shape, const Cell* entries, std::size_t count);
     static bool learn(Shape& shape, const Cell* entries, std::size_t count);

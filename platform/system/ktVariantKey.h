@@ -79,6 +79,17 @@ public:
         return a.view() <=> b;
     }
 
+    /// Stands for a text where it is compared with constants: two numbers that compare as the texts do.
+    struct Rank {
+        std::uint64_t mHigh = 0;
+        std::uint64_t mLow = 0;
+
+        auto operator<=>(const Rank&) const = default;
+    };
+    Rank getRank() const noexcept {
+        return isLong() ? getLongRank() : Rank{loadNumber(0), loadNumber(sizeof(std::uint64_t))};
+    }
+
     /// A short text to look for, as a constant.
     class Constant {
     public:
@@ -88,31 +99,19 @@ public:
             }
             for (std::size_t index = 0; index < sMaxInlineText; ++index) {
                 const auto byte = index < mText.size() ? static_cast<unsigned char>(mText[index]) : 0U;
-                std::uint64_t& number = index < sizeof(std::uint64_t) ? mFirst : mSecond;
+                std::uint64_t& number = index < sizeof(std::uint64_t) ? mRank.mHigh : mRank.mLow;
                 number = number << 8 | byte;
             }
-            mSecond = mSecond << 8 | mText.size();
+            mRank.mLow = mRank.mLow << 8 | mText.size();
         }
 
         constexpr std::string_view view() const noexcept { return mText; }
+        constexpr const Rank& getRank() const noexcept { return mRank; }
 
     private:
-        friend class ktVariantKey;
-
         std::string_view mText;
-        // The numbers that a key of this text loads.
-        std::uint64_t mFirst = 0;
-        std::uint64_t mSecond = 0;
+        Rank mRank;
     };
-
-    bool operator==(const Constant& other) const noexcept { return (*this <=> other) == 0; }
-    std::strong_ordering operator<=>(const Constant& other) const noexcept {
-        if (isLong()) {
-            return view() <=> other.mText;
-        }
-        const std::strong_ordering order = loadNumber(0) <=> other.mFirst;
-        return order != 0 ? order : loadNumber(sizeof(std::uint64_t)) <=> other.mSecond;
-    }
 
     friend KT_SYSTEM_API std::ostream& operator<<(std::ostream& out, const ktVariantKey& key);
 
@@ -132,6 +131,7 @@ private:
         return std::endian::native == std::endian::little ? __builtin_bswap64(number) : number;
     }
     std::string_view getLongText() const noexcept;
+    Rank getLongRank() const noexcept;
     void setLong(std::string_view text);
     void releaseStorage() noexcept;
 

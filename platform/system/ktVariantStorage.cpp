@@ -16,14 +16,10 @@ namespace {
 constexpr std::size_t sLowLengthOffset = 8;
 constexpr std::size_t sHighLengthOffset = 12;
 
-std::size_t getBlockBytes(ktVariant::Kind kind, std::size_t capacity) {
-    return sizeof(ktVariantBlock) + capacity * ktVariantStorage::getElementSize(kind);
-}
-
 }  // namespace
 
 void ktVariantStorage::storeLongText(std::byte* bytes, std::string_view text) {
-    auto* copy = static_cast<char*>(ktBlockPool::allocate(text.size()));
+    auto* copy = static_cast<char*>(allocateFromPool(text.size()));
     std::memcpy(copy, text.data(), text.size());
     const auto low = static_cast<std::uint32_t>(text.size());
     const auto high = static_cast<std::uint16_t>(std::uint64_t{text.size()} >> 32);
@@ -44,14 +40,6 @@ std::string_view ktVariantStorage::loadLongText(const std::byte* bytes) noexcept
 
 void ktVariantStorage::releaseText(std::string_view text) noexcept {
     ktBlockPool::release(const_cast<char*>(text.data()), text.size());
-}
-
-ktVariantBlock* ktVariantStorage::allocateBlock(Kind kind, std::size_t capacity) {
-    if (capacity > std::numeric_limits<std::uint32_t>::max()) {
-        throw std::length_error("too many elements for a variant");
-    }
-    void* memory = ktBlockPool::allocate(getBlockBytes(kind, capacity));
-    return new (memory) ktVariantBlock{0, static_cast<std::uint32_t>(capacity)};
 }
 
 void ktVariantStorage::releaseBlock(Kind kind, ktVariantBlock* block) noexcept {

@@ -3,11 +3,16 @@
 /// @file
 /// What variants own: texts, and blocks of elements with all that lies below them.
 
+#include "platform/system/ktBlockPool_p.h"
 #include "platform/system/ktVariantBlock.h"
 #include "platform/system/ktVariantListImpl.h"
 #include "platform/system/ktVariantMapImpl.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <new>
+#include <stdexcept>
 #include <string_view>
 
 namespace kt::impl {
@@ -29,7 +34,13 @@ public:
     static void releaseText(std::string_view text) noexcept;
 
     /// A block without elements. Throws std::length_error beyond 32 bits.
-    static ktVariantBlock* allocateBlock(Kind kind, std::size_t capacity);
+    static ktVariantBlock* allocateBlock(Kind kind, std::size_t capacity) {
+        if (capacity > std::numeric_limits<std::uint32_t>::max()) {
+            throw std::length_error("too many elements for a variant");
+        }
+        void* memory = allocateFromPool(getBlockBytes(kind, capacity));
+        return new (memory) ktVariantBlock{0, static_cast<std::uint32_t>(capacity)};
+    }
     /// Releases the block only; its elements are gone already.
     static void releaseBlock(Kind kind, ktVariantBlock* block) noexcept;
     /// The block moved to one of at least that capacity; block may be null.
@@ -51,6 +62,10 @@ public:
     }
 
     static std::size_t getElementSize(Kind kind) { return kind == Kind::Map ? sizeof(Entry) : sizeof(ktVariant); }
+
+    static std::size_t getBlockBytes(Kind kind, std::size_t capacity) {
+        return sizeof(ktVariantBlock) + capacity * getElementSize(kind);
+    }
 
     static ktVariantBlock* getBlock(const ktVariant& container) { return container.load<ktVariantBlock*>(0); }
 
