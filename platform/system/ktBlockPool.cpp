@@ -24,9 +24,12 @@ void ktBlockPool::Releases::settleChunk() noexcept {}
 ktBlockPool::Scratch::~Scratch() = default;
 
 // Every block is to be released.
-void ktBlockPool::Scratch::enter() noexcept { mSupply.mIsScattered = true; }
+void ktBlockPool::Scratch::enter() noexcept {
+    mSupply.mIsScattered = true;
+    mIsEntered = true;
+}
 
-void ktBlockPool::Scratch::leave() noexcept {}
+void ktBlockPool::Scratch::leave() noexcept { mIsEntered = false; }
 
 void ktBlockPool::Scratch::rewind() noexcept {}
 

@@ -84,7 +84,10 @@ public:
         std::uint64_t mHigh = 0;
         std::uint64_t mLow = 0;
 
-        auto operator<=>(const Rank&) const = default;
+        bool operator==(const Rank& other) const noexcept { return ((mHigh ^ other.mHigh) | (mLow ^ other.mLow)) == 0; }
+        bool operator<(const Rank& other) const noexcept {
+            return mHigh != other.mHigh ? mHigh < other.mHigh : mLow < other.mLow;
+        }
     };
     Rank getRank() const noexcept {
         return isLong() ? getLongRank() : Rank{loadNumber(0), loadNumber(sizeof(std::uint64_t))};
