@@ -58,9 +58,9 @@ std::shared_ptr<svg::Text> createItem(LaidOutRun& run, double x, double y) {
 }
 
 std::shared_ptr<svg::Rect> createBlockRectangle(double width, double height, const char* id) {
-    auto rectangle =
-        std::make_shared<svg::Rect>(Wm4::Vector2<float>(0.0F, -static_cast<float>(height)),
-                                    Wm4::Vector2<float>(static_cast<float>(width), static_cast<float>(height)));
+    auto rectangle = std::allocate_shared<svg::Rect>(
+        ktPoolAllocator<svg::Rect>(), Wm4::Vector2<float>(0.0F, -static_cast<float>(height)),
+        Wm4::Vector2<float>(static_cast<float>(width), static_cast<float>(height)));
     rectangle->setVisible(false);
     rectangle->setId(id);
     return rectangle;
@@ -93,8 +93,10 @@ bool TextSegmentToSvgConverter::convertTextAreaToSvg(const TextArea& area, svg::
     if (!hasExtent) {
         return true;
     }
-    svg::Node::Children items;
-    items.reserve(layout.editRuns().size() + 1);
+    svg::Node::Children& items = target.editChildren();
+    if (items.empty()) {
+        items.reserve(layout.editRuns().size() + 1);
+    }
     if (boundingBoxId != nullptr) {
         items.push_back(createBlockRectangle(layout.getWidth(), layout.getHeight(), boundingBoxId));
     }
@@ -108,8 +110,6 @@ bool TextSegmentToSvgConverter::convertTextAreaToSvg(const TextArea& area, svg::
         }
         top = baseLine - line.mDescent - line.mGap;
     }
-    svg::Node::Children& children = target.editChildren();
-    children.insert(children.end(), std::make_move_iterator(items.begin()), std::make_move_iterator(items.end()));
     return true;
 }
 

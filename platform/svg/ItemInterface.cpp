@@ -1,29 +1,45 @@
 #include "platform/svg/ItemInterface.h"
 
+#include <algorithm>
+
 namespace kt::svg {
 
-constinit const ItemInterface::Attributes ItemInterface::sNoAttributes{};
-
 ItemInterface::ItemInterface(const ItemInterface& other)
-    : mKind(other.mKind),
+    : mRareAttributes(other.mRareAttributes ? std::make_unique<RareAttributes>(*other.mRareAttributes) : nullptr),
+      mColor(other.mColor),
+      mOutlineColor(other.mOutlineColor),
       mTransform(other.mTransform),
-      mAttributes(other.mAttributes ? std::make_unique<Attributes>(*other.mAttributes) : nullptr) {}
+      mStyleOption(other.mStyleOption),
+      mKind(other.mKind) {}
 
 ItemInterface& ItemInterface::operator=(const ItemInterface& other) {
     if (this != &other) {
-        mAttributes = other.mAttributes ? std::make_unique<Attributes>(*other.mAttributes) : nullptr;
+        mRareAttributes = other.mRareAttributes ? std::make_unique<RareAttributes>(*other.mRareAttributes) : nullptr;
+        mColor = other.mColor;
+        mOutlineColor = other.mOutlineColor;
         mTransform = other.mTransform;
+        mStyleOption = other.mStyleOption;
     }
     return *this;
 }
 
 ItemInterface::~ItemInterface() = default;
 
-ItemInterface::Attributes& ItemInterface::editAttributes() {
-    if (!mAttributes) {
-        mAttributes = std::make_unique<Attributes>();
+ItemInterface::RareAttributes& ItemInterface::editRareAttributes() {
+    if (!mRareAttributes) {
+        mRareAttributes = std::make_unique<RareAttributes>();
     }
-    return *mAttributes;
+    return *mRareAttributes;
+}
+
+void ItemInterface::setText(ShortText& text, RareText longText, std::string_view value) {
+    if (value.size() > ShortText::sMaxSize) {
+        editRareAttributes().*longText = value;
+        text.mSize = ShortText::sNone;
+        return;
+    }
+    std::copy(value.begin(), value.end(), text.mBytes.begin());
+    text.mSize = static_cast<std::uint8_t>(value.size());
 }
 
 void ItemInterface::translate(const Wm4::Vector2<float>& offset) {

@@ -6,16 +6,20 @@
 #include "platform/svg/Transform.h"
 #include "platform/svg/ktSvgExport.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 
 namespace kt::svg {
 
 /// One item of a drawing: a group (Node), rectangle, image, path or text. It carries the presentation attributes that
-/// all items share; what is not set is inherited from the enclosing group, as SVG inherits it. Items are held by
-/// std::shared_ptr and belong to one thread at a time.
+/// all items share; what is not set is inherited from the enclosing group, as SVG inherits it. Texts that it gives are
+/// valid until they are set again. Items are held by std::shared_ptr and belong to one thread at a time.
 class KT_SVG_API ItemInterface {
 public:
     enum class Kind : std::uint8_t { Node, Rect, Image, Path, Text };
@@ -29,24 +33,23 @@ public:
     Kind getKind() const { return mKind; }
 
     /// Fill colour as SVG writes it: "#RRGGBB" or "none".
-    const std::optional<std::string>& getColor() const { return getAttributes().mColor; }
-    void setColor(std::string color) { editAttributes().mColor = std::move(color); }
+    std::optional<std::string_view> getColor() const { return getText(mColor, &RareAttributes::mColor); }
+    void setColor(std::string_view color) { setText(mColor, &RareAttributes::mColor, color); }
 
     /// Outline (stroke) colour as SVG writes it: "#RRGGBB" or "none".
-    const std::optional<std::string>& getOutlineColor() const { return getAttributes().mOutlineColor; }
-    void setOutlineColor(std::string color) { editAttributes().mOutlineColor = std::move(color); }
+    std::optional<std::string_view> getOutlineColor() const {
+        return getText(mOutlineColor, &RareAttributes::mOutlineColor);
+    }
+    void setOutlineColor(std::string_view color) { setText(mOutlineColor, &RareAttributes::mOutlineColor, color); }
 
-    const std::optional<std::string>& getClass() const { return getAttributes().mClass; }
-    void setClass(std::string text) { editAttributes().mClass = std::move(text); }
+    std::optional<std::string_view> getClass() const { return getRareText(&RareAttributes::mClass); }
+    void setClass(std::string_view text) { editRareAttributes().mClass = text; }
 
-    const std::optional<std::string>& getId() const { return getAttributes().mId; }
-    void setId(std::string text) { editAttributes().mId = std::move(text); }
+    std::optional<std::string_view> getId() const { return getRareText(&RareAttributes::mId); }
+    void setId(std::string_view text) { editRareAttributes().mId = text; }
 
-    const std::optional<int>& getStyleOption() const { return getAttributes().mStyleOption; }
-    void setStyleOption(int option) { editAttributes().mStyleOption = option; }
-
-    /// Whether any of the attributes above is set.
-    bool hasAttributes() const { return mAttributes != nullptr; }
+    const std::optional<int>& getStyleOption() const { return mStyleOption; }
+    void setStyleOption(int option) { mStyleOption = option; }
 
     /// Maps the item's own coordinates to those of the enclosing group.
     const std::optional<Transform>& getTransform() const { return mTransform; }
@@ -61,22 +64,43 @@ protected:
     ItemInterface& operator=(const ItemInterface& other);
 
 private:
-    /// Most items of a drawing inherit everything, so that these stand apart: what is small stays in the cache.
-    struct Attributes {
-        std::optional<std::string> mColor;
+    /// What few items have stands apart, so that the many stay small.
+    struct RareAttributes {
+        std::optional<std::string> mColor;  ///< colours that are too long for a ShortText
         std::optional<std::string> mOutlineColor;
         std::optional<std::string> mClass;
         std::optional<std::string> mId;
-        std::optional<int> mStyleOption;
     };
-    static const Attributes sNoAttributes;
+    using RareText = std::optional<std::string> RareAttributes::*;
 
-    const Attributes& getAttributes() const { return mAttributes ? *mAttributes : sNoAttributes; }
-    Attributes& editAttributes();
+    /// A text of up to seven bytes, such as "#RRGGBB", or none.
+    struct ShortText {
+        static constexpr std::size_t sMaxSize = 7;
+        static constexpr std::uint8_t sNone = 0xFF;
 
-    Kind mKind;
+        std::array<char, sMaxSize> mBytes{};
+        std::uint8_t mSize = sNone;
+    };
+
+    std::optional<std::string_view> getRareText(RareText member) const {
+        return mRareAttributes && (*mRareAttributes).*member
+                   ? std::optional<std::string_view>(*((*mRareAttributes).*member))
+                   : std::nullopt;
+    }
+    std::optional<std::string_view> getText(const ShortText& text, RareText longText) const {
+        return text.mSize != ShortText::sNone
+                   ? std::optional<std::string_view>(std::in_place, text.mBytes.data(), text.mSize)
+                   : getRareText(longText);
+    }
+    void setText(ShortText& text, RareText longText, std::string_view value);
+    RareAttributes& editRareAttributes();
+
+    std::unique_ptr<RareAttributes> mRareAttributes;
+    ShortText mColor;
+    ShortText mOutlineColor;
     std::optional<Transform> mTransform;
-    std::unique_ptr<Attributes> mAttributes;
+    std::optional<int> mStyleOption;
+    Kind mKind;
 };
 
 }  // namespace kt::svg

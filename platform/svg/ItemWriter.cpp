@@ -142,10 +142,7 @@ void ItemWriter::warn(std::string_view item, std::string_view problem) {
 
 Paint ItemWriter::getPaint(const ItemInterface& item, const Paint& inherited) {
     Paint paint = inherited;
-    if (!item.hasAttributes()) {
-        return paint;
-    }
-    const auto choose = [this](const std::optional<std::string>& own, std::string_view& color) {
+    const auto choose = [this](std::optional<std::string_view> own, std::string_view& color) {
         if (!own || isSameColor(*own, color)) {
             return;
         }
@@ -204,14 +201,15 @@ void ItemWriter::appendPaint(const Paint& paint, const Paint& written) {
 }
 
 void ItemWriter::appendNames(const ItemInterface& item) {
-    const auto& id = item.getId();
-    const bool isTaken = id && mTextMode == SvgWriter::TextMode::Outlines && GlyphDefinitions::isReserved(*id);
-    if (id && !id->empty() && id->size() <= sMaxNameSize && !isTaken && mIds.insert(*id).second) {
-        mBuffer.append(" id=\"");
-        appendXmlText(mBuffer, *id, XmlContext::Attribute);
-        mBuffer.append("\"");
+    if (const std::optional<std::string_view> id = item.getId()) {
+        const bool isTaken = mTextMode == SvgWriter::TextMode::Outlines && GlyphDefinitions::isReserved(*id);
+        if (!id->empty() && id->size() <= sMaxNameSize && !isTaken && mIds.emplace(*id).second) {
+            mBuffer.append(" id=\"");
+            appendXmlText(mBuffer, *id, XmlContext::Attribute);
+            mBuffer.append("\"");
+        }
     }
-    const auto& classText = item.getClass();
+    const std::optional<std::string_view> classText = item.getClass();
     if (classText && !classText->empty() && classText->size() <= sMaxNameSize) {
         mBuffer.append(" class=\"");
         appendXmlText(mBuffer, *classText, XmlContext::Attribute);
@@ -239,9 +237,7 @@ void ItemWriter::appendCommon(const ItemInterface& item, const Affine& map, cons
         appendTransform(map, context.mScale);
     }
     appendPaint(paint, context.mWritten);
-    if (item.hasAttributes()) {
-        appendNames(item);
-    }
+    appendNames(item);
 }
 
 void ItemWriter::writeItem(const ItemInterface& item, const WriteContext& context) {

@@ -62,7 +62,7 @@ public:
     /// Id and class.
     void appendNames(const ItemInterface& item);
     void appendTitle(std::string_view title);
-    void forgetId(const std::string& id) { mIds.erase(id); }
+    void forgetId(std::string_view id) { mIds.erase(std::string(id)); }
 
     void warn(std::string_view item, std::string_view problem);
 

@@ -55,6 +55,9 @@ public:
     void setGlyphSource(std::shared_ptr<const GlyphSource> source) { mGlyphSource = std::move(source); }
 
 private:
+    bool mIsBold = false;
+    bool mIsItalic = false;
+    bool mIsRightToLeft = false;
     std::string mText;
     std::string mFont;
     Wm4::Vector2<float> mPosition{};
@@ -62,9 +65,6 @@ private:
     float mLength = 0.0F;
     BoundingBox mExtent;
     std::shared_ptr<const GlyphSource> mGlyphSource;
-    bool mIsBold = false;
-    bool mIsItalic = false;
-    bool mIsRightToLeft = false;
 };
 
 }  // namespace kt::svg
