@@ -101,6 +101,21 @@ char* putNumber(char* out, double value, int decimals) {
     return decimals == sCoordinateDecimals ? formatCoordinate(out, value) : formatNumber(out, value, decimals);
 }
 
+/// Whether some of the UTF-8 text's characters are of blocks with right-to-left scripts; some others may count as such.
+bool mayHoldRightToLeft(std::string_view text) {
+    for (std::size_t index = 0; index + 1 < text.size(); ++index) {
+        const auto lead = static_cast<unsigned char>(text[index]);
+        const auto next = static_cast<unsigned char>(text[index + 1]);
+        const bool isBasic = (lead >= 0xD6 && lead <= 0xDF) || (lead == 0xE0 && next >= 0xA0 && next <= 0xA3);
+        const bool isPresentationForm = lead == 0xEF && next >= 0xAC && next <= 0xBB && next != 0xB8;
+        const bool isSupplementary = lead == 0xF0 && (next == 0x90 || next == 0x9E);
+        if (isBasic || isPresentationForm || isSupplementary) {
+            return true;
+        }
+    }
+    return false;
+}
+
 bool haveSameFont(const Text& a, const Text& b) {
     return &a == &b || (a.getSize() == b.getSize() && a.isBold() == b.isBold() && a.isItalic() == b.isItalic() &&
                         a.getFont() == b.getFont());
@@ -384,9 +399,12 @@ void ItemWriter::writeText(const Text& text, const Affine& map, const WriteConte
         out = putNumber(out, static_cast<double>(text.getLength()), placement.mDecimals);
         out = putLiteral(out, "\" lengthAdjust=\"spacingAndGlyphs\"");
     }
+    // A run has one direction, found for the whole line: a renderer, which sees the run alone, must not find another.
     if (text.isRightToLeft()) {
         // The end of right-to-left text is its left edge, where the position is.
-        out = putLiteral(out, " direction=\"rtl\" unicode-bidi=\"embed\" text-anchor=\"end\"");
+        out = putLiteral(out, " direction=\"rtl\" unicode-bidi=\"bidi-override\" text-anchor=\"end\"");
+    } else if (!scan.mIsPlain && mayHoldRightToLeft(text.getText())) {
+        out = putLiteral(out, " unicode-bidi=\"bidi-override\"");
     }
     if (scan.mHasFragileBlanks) {
         out = putLiteral(out, " xml:space=\"preserve\"");

@@ -124,8 +124,10 @@ TEST(SvgWriter, WritesWhatDiffersFromTheGroupsAround) {
              " x=1 y=2 | A\n"},
         {rich,
          "text direction=rtl font-family='O\\'Brien \\\\ \"Sans\" ',sans-serif font-size=3.175 font-style=italic "
-         "font-weight=bold lengthAdjust=spacingAndGlyphs text-anchor=end textLength=7.5 unicode-bidi=embed x=1 "
+         "font-weight=bold lengthAdjust=spacingAndGlyphs text-anchor=end textLength=7.5 unicode-bidi=bidi-override x=1 "
          "xml:space=preserve y=2 |  two  blanks & <more> \n"},
+        // Letters that ran from right to left, were it not for what stands around them in their line.
+        {makeText("\xD7\xA9"), "text" + sFont + sLength + " unicode-bidi=bidi-override x=1 y=2 | \xD7\xA9\n"},
         {makeText("one blank each"), "text" + sFont + sLength + " x=1 y=2 | one blank each\n"},
         {makeImage("GIF89a", {0, 0}, {2, -1}),
          "image height=1 href=data:image/gif;base64,R0lGODlh preserveAspectRatio=none width=2 x=0 y=-1\n"},
@@ -189,6 +191,29 @@ TEST(SvgWriter, StaysWellFormedForRandomBytes) {
             byte = random() % 2 == 0 ? special[random() % special.size()] : static_cast<char>(random() % 256);
         }
         readBack(text);
+    }
+}
+
+TEST(SvgWriter, KeepsTheBlanksThatRenderersWouldDrop) {
+    std::mt19937 random(12);
+    std::vector<std::string> texts;
+    std::string file;
+    SvgWriter writer(file, {});
+    writer.startDocument("");
+    for (int round = 0; round < 5000; ++round) {
+        std::string& text = texts.emplace_back(1 + random() % 20, 'a');
+        std::generate(text.begin(), text.end(), [&] { return " abcdef!<\t"[random() % (round % 4 == 0 ? 10 : 8)]; });
+        writer.writeItem(*makeText(text));
+    }
+    writer.endDocument({});
+    const auto elements = test::parseXml(file).value();
+    const auto written = test::findElements(elements, "text");
+    ASSERT_EQ(written.size(), texts.size());
+    for (std::size_t index = 0; index < texts.size(); ++index) {
+        const bool isFragile =
+            (" " + texts[index] + " ").find("  ") != std::string::npos || texts[index].find('\t') != std::string::npos;
+        EXPECT_EQ(written[index].mText, texts[index]);
+        EXPECT_EQ(written[index].getAttribute("xml:space"), isFragile ? "preserve" : "") << texts[index];
     }
 }
 
