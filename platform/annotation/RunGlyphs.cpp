@@ -9,8 +9,11 @@ namespace {
 
 void appendGlyph(const Font& font, hb_codepoint_t glyph, const Wm4::Vector2<float>& position, float size,
                  std::vector<svg::PlacedGlyph>& glyphs) {
-    if (const svg::Path* outline = font.getOutline(glyph); outline != nullptr) {
-        glyphs.push_back({outline, position, size / static_cast<float>(font.getUnitsPerEm())});
+    constexpr hb_codepoint_t sMissingGlyph = 0;
+    const svg::Path* outline = font.getOutline(glyph);
+    if (outline != nullptr || glyph == sMissingGlyph) {
+        const float scale = size / static_cast<float>(font.getUnitsPerEm());
+        glyphs.push_back({outline, position, scale, glyph == sMissingGlyph});
     }
 }
 

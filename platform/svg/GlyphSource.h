@@ -15,9 +15,10 @@ class Text;
 /// address identifies it: the same glyph of the same font always has the same outline object, so that a writer can
 /// define it once and use it many times. Outlines are in the text item's orientation (y down).
 struct PlacedGlyph {
-    const Path* mOutline = nullptr;
+    const Path* mOutline = nullptr;  ///< null when there is nothing to draw
     Wm4::Vector2<float> mPosition{};
     float mScale = 1.0F;
+    bool mIsMissing = false;  ///< stands for a character that no font has
 };
 
 /// Something that can give the outlines of a text item: implemented by the text layout, asked by the writer. Outlines

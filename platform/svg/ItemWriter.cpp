@@ -438,6 +438,10 @@ void ItemWriter::writeOutlines(const Text& text, const Affine& map, const WriteC
         warn("a text", sNotFinite);
         return;
     }
+    if (std::any_of(mPlacedGlyphs.begin(), mPlacedGlyphs.end(), [](const auto& glyph) { return glyph.mIsMissing; })) {
+        mWarnings.emplace_back(
+            "boxes stand for characters that no installed font has; install one that has them, or draw text as text");
+    }
     const Paint paint{getPaint(text, context.mInherited).mColor, sNone};
     mBuffer.append("<g");
     appendTransform(run, context.mScale);

@@ -36,6 +36,14 @@ struct ViewRange {
     double mExtent;
 };
 
+/// Whether the box has corners that are numbers; its width and height may still be too large for one.
+bool hasFiniteCorners(const BoundingBox& box) {
+    const Wm4::Vector2<float>& lower = box.getMinPoint();
+    const Wm4::Vector2<float>& upper = box.getMaxPoint();
+    return !box.isEmpty() && std::isfinite(lower.x) && std::isfinite(lower.y) && std::isfinite(upper.x) &&
+           std::isfinite(upper.y);
+}
+
 ViewRange makeViewRange(float minimum, float maximum) {
     const auto lower = static_cast<double>(minimum);
     const double extent = static_cast<double>(maximum) - lower;
@@ -172,9 +180,7 @@ void SvgWriter::Document::appendLineRule() {
 }
 
 std::string SvgWriter::Document::makeView(const BoundingBox& viewBox) const {
-    const bool isFinite = !viewBox.isEmpty() && std::isfinite(viewBox.getMinPoint().x + viewBox.getMinPoint().y) &&
-                          std::isfinite(viewBox.getMaxPoint().x + viewBox.getMaxPoint().y);
-    const BoundingBox box = isFinite ? viewBox : BoundingBox({}, {});
+    const BoundingBox box = hasFiniteCorners(viewBox) ? viewBox : BoundingBox({}, {});
     const ViewRange x = makeViewRange(box.getMinPoint().x, box.getMaxPoint().x);
     const ViewRange y = makeViewRange(box.getMinPoint().y, box.getMaxPoint().y);
     char text[512];

@@ -1,9 +1,6 @@
 #include "tests/render/RenderCompare.h"
 #include "tests/tool/ToolRunner.h"
 
-#include <fstream>
-#include <sstream>
-
 namespace ktannot::test {
 namespace {
 
@@ -16,12 +13,6 @@ struct PictureCase {
 };
 
 void PrintTo(const PictureCase& picture, std::ostream* stream) { *stream << picture.mName; }
-
-std::string readFile(const std::string& path) {
-    std::ostringstream content;
-    content << std::ifstream(path, std::ios::binary).rdbuf();
-    return content.str();
-}
 
 class MigratedPicture : public testing::TestWithParam<PictureCase> {};
 
