@@ -11,11 +11,10 @@
 #include "benchmarks/end-to-end/FlatDrawing.h"
 #include "benchmarks/end-to-end/Painter.h"
 #include "benchmarks/end-to-end/SampleDocument.h"
+#include "legacy/ktVariantDocumentReader.h"
 #include "library/ktAnnotationLegacyLibrary.h"
 #include "migration/ktAnnotationMigration.h"
 #include "platform/annotation/ktCadViewSvgWriter.h"
-#include "platform/system/ktVariantJson.h"
-#include "platform/system/ktVariantListImpl.h"
 
 #include <algorithm>
 #include <array>
@@ -53,22 +52,22 @@ public:
 private:
     template <typename Finish>
     void run(const std::string& document, Finish finish) {
-        kt::ktVariant value;
+        using Outcome = ktLegacy::ktVariantDocumentReader::Outcome;
         kt::ktJsonError error;
-        if (!mReader.parse(std::as_bytes(std::span(document)), value, error)) {
+        if (mReader.read(std::as_bytes(std::span(document)), mViews, error) != Outcome::Read) {
             fail("the document cannot be read");
         }
-        for (const kt::ktVariant& element : *value.getList()) {
-            const auto view = ktLegacy::ktAnnotationView::FromVariantMap(*element.getMap(), mMessages);
+        for (const auto& read : mViews) {
             kt::ktPointer<kt::ktCadAnnotationView> migrated;
-            if (!mMigration.migrateAnnotationView(view, migrated)) {
+            if (!mMigration.migrateAnnotationView(read.mView, migrated)) {
                 fail("the view cannot be migrated");
             }
             finish(migrated);
+            if (!read.mMessages.empty() || !mWarnings.empty()) {
+                fail("the document is not all well");
+            }
         }
-        if (!mMessages.empty() || !mWarnings.empty()) {
-            fail("the document is not all well");
-        }
+        mViews.clear();
     }
 
     [[noreturn]] static void fail(const char* reason) {
@@ -76,10 +75,10 @@ private:
         std::exit(1);
     }
 
-    kt::ktJsonReader mReader;
+    ktLegacy::ktVariantDocumentReader mReader;
     ktLegacy::ktAnnotationMigration mMigration{0, nullptr, nullptr, sHeadSize};
     kt::ktCadViewSvgWriter mWriter;
-    std::vector<std::string> mMessages;
+    std::vector<ktLegacy::ktVariantDocumentReader::View> mViews;
     std::vector<std::string> mWarnings;
     std::string mFile;
 };
