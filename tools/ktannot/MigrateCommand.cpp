@@ -34,7 +34,8 @@ namespace ktannot {
 namespace {
 
 /// Stack of the threads that read documents: the deepest tree that is read needs a part of it even in sanitizer builds.
-constexpr std::size_t sThreadStackSize = std::size_t{16} * 1024 * 1024;
+/// Not more than what main threads usually have: one with half of it or less would only wait for the others, spinning.
+constexpr std::size_t sThreadStackSize = std::size_t{8} * 1024 * 1024;
 
 /// A document whose migration threw: nothing of it can be told but why.
 DocumentResult makeFailedResult(const Input& input, ExitCode outcome, std::string reason) {
