@@ -12,8 +12,8 @@ namespace kt {
 /// classes. Call it before reading streams, from one thread.
 KT_ANNOTATION_LEGACY_API void initializeKtAnnotationLegacyLibrary();
 
-/// Ends one use of the library. The last one unregisters the factories, terminates the platform's libraries and destroys
-/// the shared list, in this order. A surplus call does nothing.
+/// Ends one use of the library. The last one unregisters the factories, terminates the platform's libraries and
+/// destroys the shared list, in this order. A surplus call does nothing.
 KT_ANNOTATION_LEGACY_API void terminateKtAnnotationLegacyLibrary();
 
 }  // namespace kt

@@ -19,7 +19,8 @@ public:
     IterateOverAnnotationTreeFunctorInterface();
     virtual ~IterateOverAnnotationTreeFunctorInterface();
 
-    /// Called before the children of entry's annotation are visited; isRoot is true for the top annotation of a walk only.
+    /// Called before the children of entry's annotation are visited; isRoot is true for the top annotation of a walk
+    /// only.
     virtual void startProcessingAnnot(const ktAnnotationInterface::SubAnnot& entry, bool isRoot);
     /// Called after the children of entry's annotation were visited.
     virtual void endProcessingAnnot(const ktAnnotationInterface::SubAnnot& entry, bool isRoot);

@@ -21,9 +21,9 @@ struct TextProperties {
 
     bool operator==(const TextProperties&) const = default;
 
-    std::string mFontName = "Arial";           ///< family name
-    float mFontSize = 3.175F;                  ///< the em, in drawing units
-    Wm4::Vector3<unsigned char> mColor{};      ///< red, green, blue
+    std::string mFontName = "Arial";       ///< family name
+    float mFontSize = 3.175F;              ///< the em, in drawing units
+    Wm4::Vector3<unsigned char> mColor{};  ///< red, green, blue
     std::uint8_t mStyle = 0;
 };
 

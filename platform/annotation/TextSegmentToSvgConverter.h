@@ -27,7 +27,8 @@ public:
     /// group is mirrored for SVG's y-down frame. An invisible rectangle covers the text block exactly.
     /// @param size           receives the block's width and height when not null.
     /// @param boundingBoxId  id of the invisible rectangle; null: no rectangle.
-    /// @return false when the text could not be laid out; target is unchanged then. A block without extent is no failure:
+    /// @return false when the text could not be laid out; target is unchanged then. A block without extent is no
+    /// failure:
     ///         it adds nothing.
     bool convertTextAreaToSvg(const TextArea& area, svg::Node& target, Wm4::Vector2<float>* size,
                               const char* boundingBoxId) const;

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Marks what libktAnnotation exports; everything else stays hidden. The mark is the same for those who build the library and for
-/// those who use it: run-time types must be the same objects on both sides.
+/// Marks what libktAnnotation exports; everything else stays hidden. The mark is the same for those who build the
+/// library and for those who use it: run-time types must be the same objects on both sides.
 
 #define KT_ANNOTATION_API __attribute__((visibility("default")))

@@ -29,7 +29,8 @@ public:
         Wm4::Vector3<float> mEnd{};
     };
 
-    /// Ties a leader to the content: the leader's end in the view's frame and the matching offset in the content's frame.
+    /// Ties a leader to the content: the leader's end in the view's frame and the matching offset in the content's
+    /// frame.
     struct SvgLeaderAnchors {
         SvgLeaderAnchors() = default;
         SvgLeaderAnchors(const Wm4::Vector3<float>& anchor, const Wm4::Vector2<float>& offset)
@@ -64,15 +65,15 @@ public:
     const std::string& GetName() const override { return mName; }
 
     std::string mName;
-    std::shared_ptr<svg::Node> mRoot;                  ///< the content; null until one is set
-    std::vector<LineSegment> mSegments;                ///< leaders and dimension lines
-    std::vector<Shape> mShapes;                        ///< leader heads
-    std::vector<SvgLeaderAnchors> mLeaderAnchors;      ///< one per leader and per measure leader
-    Wm4::Vector3<float> mPosition{};                   ///< where the content's origin stands
-    float mRotation = 0.0F;                            ///< radians
+    std::shared_ptr<svg::Node> mRoot;              ///< the content; null until one is set
+    std::vector<LineSegment> mSegments;            ///< leaders and dimension lines
+    std::vector<Shape> mShapes;                    ///< leader heads
+    std::vector<SvgLeaderAnchors> mLeaderAnchors;  ///< one per leader and per measure leader
+    Wm4::Vector3<float> mPosition{};               ///< where the content's origin stands
+    float mRotation = 0.0F;                        ///< radians
     float mScale = 1.0F;
-    Wm4::Vector3<unsigned char> mColor{};              ///< red, green, blue of the leaders; black by default
-    std::uint8_t mFlags = 0;                           ///< DisplayFlag bits
+    Wm4::Vector3<unsigned char> mColor{};  ///< red, green, blue of the leaders; black by default
+    std::uint8_t mFlags = 0;               ///< DisplayFlag bits
 };
 
 }  // namespace kt

@@ -5,7 +5,8 @@
 namespace Wm4 {
 
 template <typename Real>
-IntrLine2Line2<Real>::IntrLine2Line2(const Line2<Real>& line0, const Line2<Real>& line1) : mLine0(line0), mLine1(line1) {}
+IntrLine2Line2<Real>::IntrLine2Line2(const Line2<Real>& line0, const Line2<Real>& line1)
+    : mLine0(line0), mLine1(line1) {}
 
 template <typename Real>
 bool IntrLine2Line2<Real>::Find() {

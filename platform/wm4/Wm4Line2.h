@@ -12,7 +12,8 @@ template <typename Real>
 class Line2 {
 public:
     constexpr Line2() = default;
-    constexpr Line2(const Vector2<Real>& origin, const Vector2<Real>& direction) : Origin(origin), Direction(direction) {}
+    constexpr Line2(const Vector2<Real>& origin, const Vector2<Real>& direction)
+        : Origin(origin), Direction(direction) {}
 
     Vector2<Real> Origin{};
     Vector2<Real> Direction{};

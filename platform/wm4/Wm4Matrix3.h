@@ -22,7 +22,9 @@ public:
     constexpr Real& operator()(int row, int column) { return mEntry[row][column]; }
 
     constexpr Vector3<Real> GetRow(int row) const { return {mEntry[row][0], mEntry[row][1], mEntry[row][2]}; }
-    constexpr Vector3<Real> GetColumn(int column) const { return {mEntry[0][column], mEntry[1][column], mEntry[2][column]}; }
+    constexpr Vector3<Real> GetColumn(int column) const {
+        return {mEntry[0][column], mEntry[1][column], mEntry[2][column]};
+    }
     constexpr void SetColumn(int column, const Vector3<Real>& v) {
         mEntry[0][column] = v.x;
         mEntry[1][column] = v.y;
@@ -40,7 +42,8 @@ public:
         Matrix3 product;
         for (int row = 0; row < 3; ++row) {
             for (int column = 0; column < 3; ++column) {
-                product.mEntry[row][column] = mEntry[row][0] * m.mEntry[0][column] + mEntry[row][1] * m.mEntry[1][column] +
+                product.mEntry[row][column] = mEntry[row][0] * m.mEntry[0][column] +
+                                              mEntry[row][1] * m.mEntry[1][column] +
                                               mEntry[row][2] * m.mEntry[2][column];
             }
         }
@@ -61,7 +64,8 @@ private:
 template <typename Real>
 constexpr Matrix3<Real> Matrix3<Real>::ZERO{};
 template <typename Real>
-constexpr Matrix3<Real> Matrix3<Real>::IDENTITY{Real(1), Real(0), Real(0), Real(0), Real(1), Real(0), Real(0), Real(0), Real(1)};
+constexpr Matrix3<Real> Matrix3<Real>::IDENTITY{Real(1), Real(0), Real(0), Real(0), Real(1),
+                                                Real(0), Real(0), Real(0), Real(1)};
 
 using Matrix3f = Matrix3<float>;
 using Matrix3d = Matrix3<double>;

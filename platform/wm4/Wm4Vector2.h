@@ -24,8 +24,12 @@ public:
 
     constexpr bool operator==(const Vector2&) const = default;
 
-    constexpr Vector2 operator+(const Vector2& v) const { return {static_cast<Real>(x + v.x), static_cast<Real>(y + v.y)}; }
-    constexpr Vector2 operator-(const Vector2& v) const { return {static_cast<Real>(x - v.x), static_cast<Real>(y - v.y)}; }
+    constexpr Vector2 operator+(const Vector2& v) const {
+        return {static_cast<Real>(x + v.x), static_cast<Real>(y + v.y)};
+    }
+    constexpr Vector2 operator-(const Vector2& v) const {
+        return {static_cast<Real>(x - v.x), static_cast<Real>(y - v.y)};
+    }
     constexpr Vector2 operator*(Real s) const { return {static_cast<Real>(x * s), static_cast<Real>(y * s)}; }
     constexpr Vector2 operator/(Real s) const { return {static_cast<Real>(x / s), static_cast<Real>(y / s)}; }
     constexpr Vector2 operator-() const { return {static_cast<Real>(-x), static_cast<Real>(-y)}; }

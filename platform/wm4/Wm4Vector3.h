@@ -36,7 +36,9 @@ public:
     constexpr Vector3& operator*=(Real s) { return *this = *this * s; }
 
     constexpr Real Dot(const Vector3& v) const { return x * v.x + y * v.y + z * v.z; }
-    constexpr Vector3 Cross(const Vector3& v) const { return make(y * v.z - z * v.y, z * v.x - x * v.z, x * v.y - y * v.x); }
+    constexpr Vector3 Cross(const Vector3& v) const {
+        return make(y * v.z - z * v.y, z * v.x - x * v.z, x * v.y - y * v.x);
+    }
     constexpr Real SquaredLength() const { return Dot(*this); }
     Real Length() const { return std::sqrt(SquaredLength()); }
 
