@@ -300,6 +300,7 @@ struct PendingItem {
 BoundingBox ComputeEstimatedBoundingBox(const ItemInterface& item, ItemFilter filter, const Transform* matrix) {
     // Trees of the usual size need no memory of their own.
     constexpr std::size_t usualGroupCount = 16;
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): filling it would cost more than the walk.
     alignas(PendingItem) std::array<std::byte, usualGroupCount * sizeof(PendingItem)> room;
     std::pmr::monotonic_buffer_resource memory(room.data(), room.size());
     std::pmr::vector<PendingItem> groups(&memory);

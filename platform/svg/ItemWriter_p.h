@@ -75,8 +75,8 @@ private:
     struct Placement {
         double mX = 0.0;  ///< added to the coordinates
         double mY = 0.0;
-        int mDecimals;
-        bool mIsTransformed;
+        int mDecimals = 0;
+        bool mIsTransformed = false;
     };
     static Placement place(const Affine& map, double outerScale);
 

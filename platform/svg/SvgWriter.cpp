@@ -273,7 +273,7 @@ void SvgWriter::Document::addLine(const Wm4::Vector2<float>& from, const Wm4::Ve
         endLines();
         startLines();
     }
-    constexpr std::size_t lineSize = 4 * (sMaxNumberLength + 1);
+    constexpr std::size_t lineSize = std::size_t{4} * (sMaxNumberLength + 1);
     char* out = mBuffer.reserve(lineSize);
     *out++ = 'M';
     out = formatCoordinate(out, static_cast<double>(from.x));

@@ -67,7 +67,7 @@ std::uint64_t loadBlock(const char* text) {
 std::uint64_t loadShort(std::string_view text) {
     constexpr std::size_t half = sBlockSize / 2;
     if (text.size() >= half) {
-        std::array<char, sBlockSize> block;
+        std::array<char, sBlockSize> block{};
         std::memcpy(block.data(), text.data() + text.size() - half, half);
         std::memcpy(block.data() + half, text.data(), half);
         return loadBlock(block.data());

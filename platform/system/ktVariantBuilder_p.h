@@ -144,8 +144,8 @@ private:
         static constexpr std::size_t sMaxCount = 16;
 
         std::uint8_t mCount = 0;
-        std::array<std::uint8_t, sMaxCount> mOrder;  ///< arrival index of each entry of the sorted map
-        std::array<Cell, sMaxCount> mKeys;
+        std::array<std::uint8_t, sMaxCount> mOrder{};  ///< arrival index of each entry of the sorted map
+        std::array<Cell, sMaxCount> mKeys{};
     };
 
     void begin(ktVariant::Kind kind) {
