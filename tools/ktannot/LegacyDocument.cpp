@@ -246,7 +246,7 @@ bool LegacyDocument::reachesNestingLimit(std::span<const std::byte> bytes) const
     const VariantList* maps = value.getList();
     for (std::size_t index = 0; index < mViews.size(); ++index) {
         const kt::ktVariant& map = maps != nullptr ? (*maps)[index] : value;
-        if (isDeep(mViews[index]) && NestingLimit::isReachedByVariant(*mViews[index].mView, *map.getMap())) {
+        if (mViews[index].mView && NestingLimit::isReachedByVariant(*mViews[index].mView, *map.getMap())) {
             return true;
         }
     }
