@@ -13,6 +13,16 @@
 
 namespace ktTest {
 
+/// A 32-bit count in a record, and what a claim beyond the data leads to.
+struct Claim {
+    enum Kind {
+        List,   ///< all at once: the budget ends it
+        Text,   ///< all at once, but a negative length is an empty text
+        Piece,  ///< piece by piece: the end of the data ends it, or what is then taken for a length of the next field
+    } mKind;
+    std::size_t mOffset;
+};
+
 /// Collects little-endian fields. The record functions write what a record of the builder's version holds; a test that
 /// needs something else writes the fields itself.
 class StreamBuilder {
@@ -20,7 +30,9 @@ public:
     explicit StreamBuilder(unsigned int minor = 27) : mVersion(6, static_cast<std::uint16_t>(minor)) {}
 
     kt::ktStreamVersion getVersion() const { return mVersion; }
-    std::span<const std::byte> getBytes() const { return mBytes; }
+    const std::vector<std::byte>& getBytes() const { return mBytes; }
+    operator std::span<const std::byte>() const { return mBytes; }
+    const std::vector<Claim>& getClaims() const { return mClaims; }
     std::size_t getSize() const { return mBytes.size(); }
     bool isFrom(std::uint16_t minor) const { return mVersion >= kt::ktStreamVersion(6, minor); }
 
@@ -35,10 +47,16 @@ public:
     StreamBuilder& f64(double value) { return number(value); }
     StreamBuilder& vector(float x, float y, float z) { return f32(x).f32(y).f32(z); }
     StreamBuilder& bytes(std::string_view text) { return append(text.data(), text.size()); }
-    StreamBuilder& bytes(const StreamBuilder& other) { return append(other.mBytes.data(), other.mBytes.size()); }
-    StreamBuilder& text(std::string_view text) { return i32(static_cast<std::int32_t>(text.size())).bytes(text); }
+    StreamBuilder& bytes(std::span<const std::byte> other) { return append(other.data(), other.size()); }
+    StreamBuilder& text(std::string_view text) {
+        return claim(Claim::Text, static_cast<std::uint32_t>(text.size())).bytes(text);
+    }
+    StreamBuilder& count(std::uint32_t value) { return claim(Claim::List, value); }
+    StreamBuilder& pieces(std::uint32_t value) { return claim(Claim::Piece, value); }
     /// A variant map with one entry of an integer.
-    StreamBuilder& map(std::string_view key, std::int64_t value) { return u32(1).text(key).u8(2).number(value); }
+    StreamBuilder& map(std::string_view key, std::int64_t value) {
+        return pieces(1).pieces(static_cast<std::uint32_t>(key.size())).bytes(key).u8(2).number(value);
+    }
     StreamBuilder& emptyMap() { return u32(0); }
 
     // Records
@@ -55,13 +73,13 @@ public:
     StreamBuilder& placement(unsigned int flags) { return vector(7, 8, 9).u8(1).u8(2).u8(3).u8(flags); }
     /// The base record up to and without the sub-annotations: one leader, one measure leader, a rectangular frame.
     StreamBuilder& baseStart(std::string_view name) {
-        text(name).u32(1).leader(4, 5, 6, 3);
-        return (isFrom(17) ? u32(1).measure(1, 2) : *this).placement(1);
+        text(name).count(1).leader(4, 5, 6, 3);
+        return (isFrom(17) ? count(1).measure(1, 2) : *this).placement(1);
     }
     /// The whole base record without sub-annotations.
     StreamBuilder& base(std::string_view name) {
         baseStart(name);
-        return isFrom(22) ? u32(0).emptyMap() : *this;
+        return isFrom(22) ? count(0).emptyMap() : *this;
     }
     StreamBuilder& properties(std::string_view font, unsigned int height, unsigned int style, unsigned int reserved) {
         return text(font).u16(height).u8(style).u8(reserved);
@@ -74,7 +92,7 @@ public:
     }
     /// Default properties and one line with one segment: the end of a text record.
     StreamBuilder& textEnd(std::string_view content) {
-        return properties("Arial", 100, 0, 0).u32(1).u32(1).segment(content);
+        return properties("Arial", 100, 0, 0).count(1).count(1).segment(content);
     }
     /// The end of a raster record, 2 by 3 em.
     StreamBuilder& rasterEnd(std::string_view name) { return text(name).f32(2).f32(3); }
@@ -84,6 +102,10 @@ public:
     }
 
 private:
+    StreamBuilder& claim(Claim::Kind kind, std::uint32_t value) {
+        mClaims.push_back({kind, getSize()});
+        return number(value);
+    }
     template <typename Number>
     StreamBuilder& number(Number value) {
         return append(&value, sizeof(Number));
@@ -96,6 +118,7 @@ private:
 
     kt::ktStreamVersion mVersion;
     std::vector<std::byte> mBytes;
+    std::vector<Claim> mClaims;
 };
 
 /// A stream over the bytes that a builder holds now.

@@ -154,7 +154,7 @@ TEST_F(StreamRecord, ShortReadsLeaveZerosAndKeepSingleBytes) {
         raster.mLeaders[0].mHead = ktAnnotationInterface::Leader::HeadCross;
         raster.mColor = {70, 80, 90};
         raster.setFlags(0xA3);
-        kt::ktBaseStream stream(whole.getBytes().first(length), whole.getVersion());
+        kt::ktBaseStream stream(std::span<const std::byte>(whole).first(length), whole.getVersion());
         raster.load(stream);
         EXPECT_TRUE(stream.hasStreamError());
         EXPECT_EQ(show(raster), shown + " image''0x0") << length;

@@ -4,9 +4,9 @@
 /// Legacy annotations, captured logs and looks at new ones for the migration tests.
 
 #include "migration/ktAnnotationMigration.h"
-#include "platform/svg/Path.h"
 #include "tests/legacy/LegacyLibraryTest.h"
 #include "tests/support/RecordingLog.h"
+#include "tests/svg/MakeItems.h"
 
 #include <cmath>
 #include <string>
@@ -19,6 +19,7 @@ using Vector2 = Wm4::Vector2<float>;
 using Vector3 = Wm4::Vector3<float>;
 using Legacy = ktLegacy::ktAnnotationInterface;
 using Raster = kt::ktPointer<ktLegacy::ktAnnotationRaster>;
+using kt::test::lettersOf;
 using ktLegacy::addChild;
 using Strings = std::vector<std::string>;
 using testing::ElementsAre;
@@ -55,15 +56,6 @@ inline Legacy::Leader makeLeader(const Vector3& target, int head) {
 
 inline Legacy::MeasureLeader makeMeasure(const Vector3& a, const Vector3& b, const Vector3& v, int arrows = 0) {
     return {a, b, v, static_cast<Legacy::MeasureLeader::ArrowDirection>(arrows)};
-}
-
-/// The letters of a path's commands.
-inline std::string lettersOf(const kt::svg::Path& path) {
-    std::string letters;
-    for (const auto command : path.getCommands()) {
-        letters += "MLCAZ"[static_cast<int>(command)];
-    }
-    return letters;
 }
 
 /// The item as that kind of item; null when it is another kind.

@@ -14,17 +14,9 @@ namespace {
 
 using ktannot::LegacyDocument;
 
-/// Every kind of value, an escape, a character of several bytes and a line break.
-constexpr std::string_view sSmallJson =
-    "[{\"ver\": \"6.27\", \"name\": \"\\u00e9\xE2\x8C\x80\", \"origin\": [1, -2.5e1, 0], \"metadata\": {\"a\": null},\n"
-    "\"annotations\": [{\"type\": \"text\", \"position\": [0, 1, 2], \"leaders\": [{\"pos\": [1, 2, 3], \"head\": "
-    "\"arrow\"}],\n\"isframelocked\": true, \"lines\": [[{\"text\": \"x\"}]], \"children\": [{\"type\": \"raster\", "
-    "\"rastername\": \"r\", \"sizeem\": [1, 2], \"rb\": false}]}]}]";
-
-Bytes toBytes(std::string_view text) {
-    const auto bytes = std::as_bytes(std::span(text));
-    return {bytes.begin(), bytes.end()};
-}
+/// Every kind of value, an escape, a character of several bytes and a line break; and a sample.
+const std::string sSmall = "tests/data/documents/every_value.json";
+const std::string sSample = "samples/symbols_v626.json";
 
 class JsonDamageTest : public LegacyLibraryTest {
 protected:
@@ -44,11 +36,11 @@ protected:
 };
 
 TEST_F(JsonDamageTest, TextThatEndsEarlyIsRefused) {
-    for (const Bytes& whole : {toBytes(sSmallJson), readSample("symbols_v626.json")}) {
+    for (const Bytes& whole : {readBytes(sSmall), readBytes(sSample)}) {
         ASSERT_TRUE(LegacyDocument::load("test", whole).isLoaded());
-        const auto lastBrace =
-            std::find(whole.rbegin(), whole.rend(), whole.front() == std::byte{'['} ? std::byte{']'} : std::byte{'}'});
-        const std::ptrdiff_t end = whole.rend() - lastBrace;
+        const auto last =
+            std::find_if(whole.rbegin(), whole.rend(), [](std::byte byte) { return byte > std::byte{' '}; });
+        const std::ptrdiff_t end = whole.rend() - last;
         for (std::ptrdiff_t size = 0; size < end; ++size) {
             const Bytes cut(whole.begin(), whole.begin() + size);
             ASSERT_NO_FATAL_FAILURE(expectHandled(cut)) << size;
@@ -58,7 +50,7 @@ TEST_F(JsonDamageTest, TextThatEndsEarlyIsRefused) {
 }
 
 TEST_F(JsonDamageTest, AnyByteMayBeAnother) {
-    for (const auto& [whole, step] : {std::pair(toBytes(sSmallJson), 1U), {readSample("symbols_v626.json"), 127U}}) {
+    for (const auto& [whole, step] : {std::pair(readBytes(sSmall), 1U), {readBytes(sSample), 127U}}) {
         Bytes text = whole;
         for (std::size_t offset = 0; offset < text.size(); ++offset) {
             for (unsigned int change = 1; change < 256; change += step) {

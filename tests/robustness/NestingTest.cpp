@@ -8,11 +8,10 @@
 #include "tools/ktannot/TextOutput.h"
 
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <algorithm>
-#include <functional>
 #include <string>
+#include <thread>
 
 namespace ktTest {
 namespace {
@@ -21,27 +20,10 @@ using ktannot::LegacyDocument;
 using ktLegacy::ktAnnotationInterface;
 
 constexpr int sDeepestLevel = 512;
-constexpr std::size_t sStackSize = 8ULL * 1024 * 1024;
-
-/// Runs work on a thread with the stack that threads and processes usually have.
-void runOnThread(const std::function<void()>& work) {
-    pthread_attr_t attributes;
-    ASSERT_EQ(pthread_attr_init(&attributes), 0);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, sStackSize), 0);
-    const auto run = [](void* argument) -> void* {
-        (*static_cast<const std::function<void()>*>(argument))();
-        return nullptr;
-    };
-    pthread_t thread{};
-    ASSERT_EQ(pthread_create(&thread, &attributes, run, const_cast<std::function<void()>*>(&work)), 0);
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
-}
 
 /// A stream of one view with text annotations within each other.
 std::string makeNestedStream(int levels) {
-    constexpr unsigned int minor = 27;
-    StreamBuilder body(minor);
+    StreamBuilder body;
     body.viewStart("nested").u32(1).u32(0);
     for (int level = 1; level <= levels; ++level) {
         body.text("").u32(0).u32(0).placement(1).u32(level < levels ? 1 : 0);
@@ -52,8 +34,7 @@ std::string makeNestedStream(int levels) {
     for (int level = 1; level <= levels; ++level) {
         body.emptyMap().textEnd("x");
     }
-    body.emptyMap();
-    const Bytes bytes = DocumentBuilder(minor).view(1, body.getBytes()).build();
+    const Bytes bytes = DocumentBuilder(27).view(1, body.emptyMap()).build();
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
@@ -104,7 +85,8 @@ INSTANTIATE_TEST_SUITE_P(Levels, NestingTest, testing::Values(511, 512, 513, 5'0
 
 TEST_P(NestingTest, EndsAtTheLimit) {
     for (const std::string& document : {makeNestedStream(GetParam()), makeNestedJson(GetParam())}) {
-        runOnThread([&document] { expectWholeJourney(document, GetParam()); });
+        // With the stack of 8 MiB that threads and processes usually have.
+        std::jthread([&document] { expectWholeJourney(document, GetParam()); });
     }
 }
 

@@ -36,7 +36,7 @@ protected:
     }
 };
 
-Bytes makeView(const std::string& name) { return makeSmallViewBody(27, name); }
+Bytes makeView(const std::string& name) { return makeSmallView(27, name).getBytes(); }
 
 Bytes append(Bytes bytes, const StreamBuilder& more) {
     bytes.insert(bytes.end(), more.getBytes().begin(), more.getBytes().end());

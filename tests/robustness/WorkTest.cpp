@@ -46,30 +46,36 @@ void operator delete[](void* block, std::size_t /*size*/) noexcept { std::free(b
 namespace ktTest {
 namespace {
 
-constexpr unsigned int sMinor = 27;
+Bytes makeView(const StreamBuilder& body) { return DocumentBuilder(27).view(1, body).build(); }
 
-Bytes makeView(const StreamBuilder& body) { return DocumentBuilder(sMinor).view(1, body.getBytes()).build(); }
+/// The front, so many times the element, and the back.
+StreamBuilder repeat(StreamBuilder front, const StreamBuilder& element, std::uint32_t count,
+                     const StreamBuilder& back) {
+    for (std::uint32_t index = 0; index < count; ++index) {
+        front.bytes(element);
+    }
+    return front.bytes(back);
+}
+
+/// JSON text with a list of so many equal elements.
+Bytes repeatJson(std::string_view front, const std::string& element, std::uint32_t count, const std::string& back) {
+    return repeat(StreamBuilder().bytes(front), StreamBuilder().bytes(element + ","), count - 1,
+                  StreamBuilder().bytes(element + back))
+        .getBytes();
+}
 
 Bytes makeEmptySegments(std::uint32_t count) {
-    StreamBuilder body(sMinor);
-    body.viewStart("v").u32(1).u32(0).base("t").properties("F", 100, 0, 0).u32(1).u32(count);
-    for (std::uint32_t index = 0; index < count; ++index) {
-        body.segment("");
-    }
-    return makeView(body.emptyMap());
+    StreamBuilder front = StreamBuilder().viewStart("v").u32(1).u32(0).base("t").properties("F", 100, 0, 0);
+    return makeView(repeat(front.u32(1).u32(count), StreamBuilder().segment(""), count, StreamBuilder().emptyMap()));
 }
 
 Bytes makeEqualKeys(std::uint32_t count) {
-    StreamBuilder body(sMinor);
-    body.viewStart("v").u32(0).u32(0).u32(count);
-    for (std::uint32_t index = 0; index < count; ++index) {
-        body.text("same").u8(1).u8(1);
-    }
-    return makeView(body);
+    const StreamBuilder front = StreamBuilder().viewStart("v").u32(0).u32(0).u32(count);
+    return makeView(repeat(front, StreamBuilder().text("same").u8(1).u8(1), count, StreamBuilder()));
 }
 
 Bytes makeUnknownTypes(std::uint32_t count) {
-    DocumentBuilder document(sMinor);
+    DocumentBuilder document(27);
     for (std::uint32_t index = 0; index < count; ++index) {
         document.record("?", index + 1, {});
     }
@@ -77,36 +83,27 @@ Bytes makeUnknownTypes(std::uint32_t count) {
 }
 
 Bytes makeTakenIds(std::uint32_t count) {
-    DocumentBuilder document(sMinor);
+    DocumentBuilder document(27);
     for (std::uint32_t index = 0; index < count; ++index) {
-        document.view(7, makeSmallViewBody(sMinor, "v"));
+        document.view(7, makeSmallView(27, "v"));
     }
     return document.build();
 }
 
 Bytes makeLinksToNothing(std::uint32_t count) {
-    return DocumentBuilder(sMinor).metadata(1, std::vector<std::uint32_t>(count, 2)).build();
-}
-
-Bytes repeat(std::string_view front, std::string_view element, std::uint32_t count, std::string_view back) {
-    std::string text(front);
-    for (std::uint32_t index = 0; index < count; ++index) {
-        text.append(index == 0 ? "" : ",").append(element);
-    }
-    text.append(back);
-    const auto bytes = std::as_bytes(std::span(text));
-    return {bytes.begin(), bytes.end()};
+    return DocumentBuilder(27).metadata(1, std::vector<std::uint32_t>(count, 2)).build();
 }
 
 Bytes makeEqualJsonKeys(std::uint32_t count) {
-    return repeat(R"({"ver": "6.27", "metadata": {)", R"("same": {"a": [1, "text"]})", count, "}}");
+    return repeatJson(R"({"ver": "6.27", "metadata": {)", R"("same": {"a": [1, "text"]})", count, "}}");
 }
 
 Bytes makeBadJsonAnnotations(std::uint32_t count) {
-    return repeat(R"({"ver": "6.27", "annotations": [)", R"({"type": "text", "leaders": 5, "color": []})", count, "]}");
+    const std::string annotation = R"({"type": "text", "leaders": 5, "color": []})";
+    return repeatJson(R"({"ver": "6.27", "annotations": [)", annotation, count, "]}");
 }
 
-Bytes makeBadJsonViews(std::uint32_t count) { return repeat("[", R"({"ver": "1.0"})", count, "]"); }
+Bytes makeBadJsonViews(std::uint32_t count) { return repeatJson("[", R"({"ver": "1.0"})", count, "]"); }
 
 Work measureLoading(const Bytes& document) {
     const Work before = sWork;

@@ -5,6 +5,7 @@
 
 #include "platform/svg/Image.h"
 #include "platform/svg/Node.h"
+#include "platform/svg/Path.h"
 #include "platform/svg/Rect.h"
 
 #include <memory>
@@ -41,6 +42,15 @@ inline std::shared_ptr<svg::Image> makeImage(const std::string& source, const Po
     image->setPosition(position);
     image->setSize(size);
     return image;
+}
+
+/// The letters of a path's commands.
+inline std::string lettersOf(const svg::Path& path) {
+    std::string letters;
+    for (const svg::Path::Command command : path.getCommands()) {
+        letters += "MLCAZ"[static_cast<int>(command)];
+    }
+    return letters;
 }
 
 }  // namespace kt::test

@@ -1,6 +1,7 @@
 #include "platform/svg/ComputeEstimatedBoundingBox.h"
 #include "platform/svg/PathBuilder.h"
 #include "platform/wm4/Wm4Math.h"
+#include "tests/svg/MakeItems.h"
 
 #include <gtest/gtest.h>
 
@@ -9,13 +10,7 @@
 namespace kt::svg {
 namespace {
 
-std::string getCommands(const std::shared_ptr<Path>& path) {
-    std::string text;
-    for (const Path::Command command : path ? path->getCommands() : std::vector<Path::Command>()) {
-        text.push_back("MLCAZ"[static_cast<int>(command)]);
-    }
-    return text;
-}
+using test::lettersOf;
 
 TEST(PathBuilder, ClosesContoursUnlessTheyAreKeptOpen) {
     PathBuilder builder;
@@ -32,7 +27,7 @@ TEST(PathBuilder, ClosesContoursUnlessTheyAreKeptOpen) {
     builder.startContour();
     builder.appendSegmentListMove({{2, 2}, {2, 2}, {2, 2}});
     builder.endContour(false);
-    EXPECT_EQ(getCommands(builder.createPathItem(true)), "MLLCZMLMLMLLZ");
+    EXPECT_EQ(lettersOf(*builder.createPathItem(true)), "MLLCZMLMLMLLZ");
 }
 
 TEST(PathBuilder, HandsThePathOverOnceAndCopiesItOtherwise) {
@@ -44,8 +39,8 @@ TEST(PathBuilder, HandsThePathOverOnceAndCopiesItOtherwise) {
     builder.appendLine({0, 0}, {1, 1});
     const auto copy = builder.createPathItem(false);
     builder.appendLine({0, 0}, {1, 1});
-    EXPECT_EQ(getCommands(copy), "ML");
-    EXPECT_EQ(getCommands(builder.createPathItem(true)), "MLML");
+    EXPECT_EQ(lettersOf(*copy), "ML");
+    EXPECT_EQ(lettersOf(*builder.createPathItem(true)), "MLML");
     EXPECT_EQ(builder.createPathItem(true), nullptr);
 }
 
@@ -66,7 +61,7 @@ TEST(PathBuilder, DrawsArcsFromAngleToAngle) {
         PathBuilder builder;
         builder.appendEllipse({1, 1}, {2, 4}, row.mStart, row.mEnd);
         const auto path = builder.createPathItem(true);
-        EXPECT_EQ(getCommands(path), row.mCommands);
+        EXPECT_EQ(lettersOf(*path), row.mCommands);
         const BoundingBox box = ComputeEstimatedBoundingBox(*path);
         for (int axis = 0; axis < 2; ++axis) {
             EXPECT_NEAR(box.getMinPoint()[axis], row.mBox.getMinPoint()[axis], 1e-5F) << row.mStart << " " << row.mEnd;

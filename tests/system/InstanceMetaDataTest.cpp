@@ -17,7 +17,7 @@ using Map = ktVariant::ktVariantMapImpl;
 
 /// Reads a map, within that budget, from the first size bytes.
 Map load(const StreamBuilder& bytes, bool hasError, std::size_t size, std::uint64_t budget = 1000) {
-    kt::ktBaseStream stream(bytes.getBytes().first(size), kt::ktStreamVersion(6, 27));
+    kt::ktBaseStream stream(std::span<const std::byte>(bytes).first(size), kt::ktStreamVersion(6, 27));
     stream.setMemoryBudget(budget);
     Map map{{"old", 1}};
     EXPECT_NO_THROW(kt::ktInstanceMetaData::LoadVariantMap(stream, map));

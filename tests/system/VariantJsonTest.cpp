@@ -151,21 +151,6 @@ TEST(VariantJson, KeepsItsMemoryFromTextToText) {
     }
 }
 
-TEST(VariantJson, LargeMapsKeepTheLastOfEqualKeys) {
-    std::string text = "{";
-    for (int index = 0; index < 500; ++index) {
-        text += "\"key" + std::to_string(index * 7 % 100) + "\":" + std::to_string(index) + ",";
-    }
-    text.back() = '}';
-    ktVariant value;
-    kt::ktJsonError error;
-    ASSERT_TRUE(parse(text, value, error));
-    ASSERT_EQ(value.getMap()->size(), 100U);
-    for (int index = 400; index < 500; ++index) {
-        EXPECT_EQ(value.getMap()->at("key" + std::to_string(index * 7 % 100)).toInteger(), index);
-    }
-}
-
 TEST(VariantJson, NestingEndsAtTheLimit) {
     const auto makeNested = [](std::size_t levels) { return std::string(levels, '[') + std::string(levels, ']'); };
     ktVariant value;

@@ -10,23 +10,23 @@ namespace ktannot {
 namespace {
 
 using State = LegacyDocument::State;
-using ktTest::makeSmallViewBody;
+using ktTest::makeSmallView;
 using testing::HasSubstr;
 
 class LegacyDocumentTest : public ktTest::LegacyLibraryTest {};
 
 TEST_F(LegacyDocumentTest, ListedViewsComeFirstAndEachOnceAndProblemsKnowTheirView) {
-    ktTest::Bytes cut = makeSmallViewBody(27, "cut");
+    ktTest::Bytes cut = makeSmallView(27, "cut").getBytes();
     cut.resize(30);
     const LegacyDocument document = LegacyDocument::load("test", ktTest::DocumentBuilder(27)
-                                                                     .view(10, makeSmallViewBody(27, "unlisted"))
-                                                                     .view(11, makeSmallViewBody(27, "a"))
+                                                                     .view(10, makeSmallView(27, "unlisted"))
+                                                                     .view(11, makeSmallView(27, "a"))
                                                                      .metadata(1, {12, 0, 11, 12})
-                                                                     .view(12, makeSmallViewBody(27, "b"))
+                                                                     .view(12, makeSmallView(27, "b"))
                                                                      .record("Other", 5, {})
                                                                      .metadata(2, {11, 6})
                                                                      .view(6, cut)
-                                                                     .view(14, makeSmallViewBody(27, "also unlisted"))
+                                                                     .view(14, makeSmallView(27, "also unlisted"))
                                                                      .build());
     std::vector<std::string> names;
     for (const LegacyDocument::View& view : document.getViews()) {

@@ -30,40 +30,30 @@ static_assert(Wm4::Vector3<float>::UNIT_Z == Wm4::Vector3<float>(0, 0, 1));
 static_assert(Wm4::Matrix3<double>::IDENTITY(2, 2) == 1 && Wm4::Matrix3<double>::IDENTITY(2, 0) == 0);
 static_assert(Wm4::Math<float>::ZERO_TOLERANCE == 1e-6F && Wm4::Math<double>::ZERO_TOLERANCE == 1e-8);
 
-struct LineCase {
-    const char* mName;
-    Wm4::Line2<float> mLine0;
-    Wm4::Line2<float> mLine1;
-    int mType;
-    Wm4::Vector2<float> mPoint{};
-};
-
-void PrintTo(const LineCase& lines, std::ostream* out) { *out << lines.mName; }
-
-class Wm4Lines : public testing::TestWithParam<LineCase> {};
-
-TEST_P(Wm4Lines, Intersect) {
-    const LineCase& lines = GetParam();
-    Wm4::IntrLine2Line2<float> intersection(lines.mLine0, lines.mLine1);
-    EXPECT_EQ(intersection.GetIntersectionType(), 0);
-    EXPECT_EQ(intersection.Find(), lines.mType != 0);
-    ASSERT_EQ(intersection.GetIntersectionType(), lines.mType);
-    if (lines.mType == 1) {
-        EXPECT_EQ(intersection.GetPoint(), lines.mPoint);
+TEST(Wm4Lines, Intersect) {
+    constexpr float sNan = std::numeric_limits<float>::quiet_NaN();
+    const struct {
+        const char* mName;
+        Wm4::Line2<float> mLine0, mLine1;
+        int mType;
+        Wm4::Vector2<float> mPoint{};
+    } rows[] = {
+        {"crossing", {{0, 0}, {1, 0}}, {{3, 5}, {0, 1}}, 1, {3, 0}},
+        {"directions of any length", {{0, 0}, {10, 10}}, {{4, 0}, {0, -2}}, 1, {4, 4}},
+        {"crossing behind the origin", {{0, 0}, {1, 0}}, {{-3, 5}, {0, 1}}, 1, {-3, 0}},
+        {"parallel", {{0, 0}, {1, 0}}, {{0, 1}, {1, 0}}, 0},
+        {"same", {{0, 0}, {1, 1}}, {{2, 2}, {-1, -1}}, 4},
+        {"parallel at the tolerance", {{0, 0}, {1, 0}}, {{0, 1}, {1, 1e-6F}}, 0},
+        {"crossing above the tolerance", {{0, 0}, {1, 0}}, {{0, 0}, {1, 2e-6F}}, 1, {0, 0}},
+        {"not a number", {{sNan, 0}, {1, 0}}, {{0, 0}, {0, 1}}, 0},
+    };
+    for (const auto& row : rows) {
+        Wm4::IntrLine2Line2<float> intersection(row.mLine0, row.mLine1);
+        EXPECT_EQ(intersection.GetIntersectionType(), 0) << row.mName;
+        EXPECT_EQ(intersection.Find(), row.mType != 0) << row.mName;
+        EXPECT_EQ(intersection.GetIntersectionType(), row.mType) << row.mName;
+        EXPECT_TRUE(row.mType != 1 || intersection.GetPoint() == row.mPoint) << row.mName;
     }
 }
-
-constexpr float sNan = std::numeric_limits<float>::quiet_NaN();
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, Wm4Lines,
-    testing::Values(LineCase{"crossing", {{0, 0}, {1, 0}}, {{3, 5}, {0, 1}}, 1, {3, 0}},
-                    LineCase{"directionsOfAnyLength", {{0, 0}, {10, 10}}, {{4, 0}, {0, -2}}, 1, {4, 4}},
-                    LineCase{"crossingBehindTheOrigin", {{0, 0}, {1, 0}}, {{-3, 5}, {0, 1}}, 1, {-3, 0}},
-                    LineCase{"parallel", {{0, 0}, {1, 0}}, {{0, 1}, {1, 0}}, 0},
-                    LineCase{"same", {{0, 0}, {1, 1}}, {{2, 2}, {-1, -1}}, 4},
-                    LineCase{"parallelAtTheTolerance", {{0, 0}, {1, 0}}, {{0, 1}, {1, 1e-6F}}, 0},
-                    LineCase{"crossingAboveTheTolerance", {{0, 0}, {1, 0}}, {{0, 0}, {1, 2e-6F}}, 1, {0, 0}},
-                    LineCase{"notANumber", {{sNan, 0}, {1, 0}}, {{0, 0}, {0, 1}}, 0}));
 
 }  // namespace
