@@ -3,12 +3,13 @@
 /// @file
 /// What HarfBuzz itself makes of a text: the measure for all widths in these tests.
 
+#include <fontconfig/fontconfig.h>
+#include <hb.h>
+
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
-
-struct hb_font_t;
 
 namespace kt::test {
 
@@ -16,17 +17,40 @@ namespace kt::test {
 class ReferenceFont {
 public:
     /// @param pattern  family and style as fontconfig writes them: "Liberation Sans:bold".
-    explicit ReferenceFont(const std::string& pattern);
+    explicit ReferenceFont(const std::string& pattern) {
+        FcPattern* request = FcNameParse(reinterpret_cast<const FcChar8*>(pattern.c_str()));
+        FcConfigSubstitute(nullptr, request, FcMatchPattern);
+        FcDefaultSubstitute(request);
+        FcResult result = FcResultNoMatch;
+        FcPattern* match = FcFontMatch(nullptr, request, &result);
+        FcChar8* path = nullptr;
+        FcChar8* family = nullptr;
+        int index = 0;
+        FcPatternGetString(match, FC_FILE, 0, &path);
+        FcPatternGetString(match, FC_FAMILY, 0, &family);
+        FcPatternGetInteger(match, FC_INDEX, 0, &index);
+        mIsInstalled = pattern.substr(0, pattern.find(':')) == reinterpret_cast<const char*>(family);
+        hb_blob_t* blob = hb_blob_create_from_file(reinterpret_cast<const char*>(path));
+        hb_face_t* face = hb_face_create(blob, static_cast<unsigned>(index) & 0xFFFFU);
+        FcPatternDestroy(match);
+        FcPatternDestroy(request);
+        mFont = hb_font_create(face);
+        hb_face_destroy(face);
+        hb_blob_destroy(blob);
+    }
     ReferenceFont(const ReferenceFont&) = delete;
     ReferenceFont& operator=(const ReferenceFont&) = delete;
-    ~ReferenceFont();
+    ~ReferenceFont() { hb_font_destroy(mFont); }
 
     /// Whether the font is of the family asked for rather than a substitute.
     bool isInstalled() const { return mIsInstalled; }
     hb_font_t* getFont() const { return mFont; }
-    double getUnitsPerEm() const;
+    double getUnitsPerEm() const { return hb_face_get_upem(hb_font_get_face(mFont)); }
     /// Whether the glyph has no outline.
-    bool isBlank(std::uint32_t glyph) const;
+    bool isBlank(std::uint32_t glyph) const {
+        hb_glyph_extents_t extents{};
+        return hb_font_get_glyph_extents(mFont, glyph, &extents) == 0 || extents.width == 0;
+    }
 
 private:
     bool mIsInstalled = false;
@@ -46,6 +70,23 @@ struct ReferenceRun {
 };
 
 /// Shapes a text of one script and direction, both found by HarfBuzz.
-ReferenceRun shapeReference(const ReferenceFont& font, std::string_view text);
+inline ReferenceRun shapeReference(const ReferenceFont& font, std::string_view text) {
+    hb_buffer_t* buffer = hb_buffer_create();
+    hb_buffer_add_utf8(buffer, text.data(), static_cast<int>(text.size()), 0, static_cast<int>(text.size()));
+    hb_buffer_guess_segment_properties(buffer);
+    hb_buffer_set_language(buffer, HB_LANGUAGE_INVALID);
+    hb_shape(font.getFont(), buffer, nullptr, 0);
+    unsigned count = 0;
+    const hb_glyph_info_t* infos = hb_buffer_get_glyph_infos(buffer, &count);
+    const hb_glyph_position_t* positions = hb_buffer_get_glyph_positions(buffer, &count);
+    ReferenceRun run;
+    for (unsigned index = 0; index < count; ++index) {
+        run.mGlyphs.push_back(
+            {infos[index].codepoint, run.mAdvance + positions[index].x_offset, positions[index].y_offset});
+        run.mAdvance += positions[index].x_advance;
+    }
+    hb_buffer_destroy(buffer);
+    return run;
+}
 
 }  // namespace kt::test

@@ -5,11 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
 #include <limits>
 #include <tuple>
 #include <type_traits>
-#include <vector>
 
 namespace {
 
@@ -23,76 +21,55 @@ constexpr float sInfinity = std::numeric_limits<float>::infinity();
 const Matrix sQuarterTurn(0, -1, 0, 1, 0, 0, 0, 0, 1);
 const Matrix sNegativeZero(1, -0.0F, 0, 0, 1, 0, 0, 0, 1);
 
-using Step = std::function<void(Transformation&)>;
-
-Step rotate(const Matrix& matrix) {
-    return [matrix](Transformation& t) { t.SetRotate(matrix); };
-}
-
-Step general(const Matrix& matrix) {
-    return [matrix](Transformation& t) { t.SetMatrix(matrix); };
-}
-
-Step translate(const Vector& v) {
-    return [v](Transformation& t) { t.SetTranslate(v); };
-}
-
-Step scale(const Vector& v) {
-    return [v](Transformation& t) { t.SetScale(v); };
-}
-
-Step uniform(float s) {
-    return [s](Transformation& t) { t.SetUniformScale(s); };
-}
 /// A transformation after some steps.
-Transformation make(const std::vector<Step>& steps) {
-    Transformation transformation;
-    for (const Step& step : steps) {
-        step(transformation);
-    }
-    return transformation;
-}
-const Step sUnitScale = [](Transformation& t) { t.MakeUnitScale(); };
-const Step sIdentity = [](Transformation& t) { t.MakeIdentity(); };
-const Step sWrite = [](Transformation& t) { t.GetRotate() = sQuarterTurn; };
-const Step sRecompute = [](Transformation& t) { t.recomputeIsIdentity(); };
+struct Made : Transformation {
+    Made& rotate(const Matrix& matrix) { return SetRotate(matrix), *this; }
+    Made& general(const Matrix& matrix) { return SetMatrix(matrix), *this; }
+    Made& translate(const Vector& v) { return SetTranslate(v), *this; }
+    Made& scale(const Vector& v) { return SetScale(v), *this; }
+    Made& uniform(float s) { return SetUniformScale(s), *this; }
+    Made& unitScale() { return MakeUnitScale(), *this; }
+    Made& identity() { return MakeIdentity(), *this; }
+    Made& write(const Matrix& matrix) { return GetRotate() = matrix, *this; }
+    Made& recompute() { return recomputeIsIdentity(), *this; }
+};
 
 TEST(TransformationFlags, FollowTheSetters) {
-    const std::tuple<const char*, std::vector<Step>, bool, bool, bool> rows[] = {
-        {"new", {}, true, true, true},
-        {"rotation", {rotate(sQuarterTurn)}, false, true, true},
-        {"identity as rotation", {rotate(Matrix::IDENTITY)}, true, true, true},
-        {"identity as general matrix", {general(Matrix::IDENTITY)}, true, false, false},
-        {"negative zero in the matrix", {rotate(sNegativeZero)}, false, true, true},
-        {"rotation and back", {rotate(sQuarterTurn), rotate(Matrix::IDENTITY)}, true, true, true},
-        {"translation", {translate({0, 0, 1})}, false, true, true},
-        {"negative zero translation", {translate({-0.0F, 0, 0})}, true, true, true},
-        {"translation of a general matrix", {general(sQuarterTurn), translate({1, 0, 0})}, false, false, false},
-        {"equal scales", {scale({2, 2, 2})}, false, true, true},
-        {"unequal scales", {scale({2, 2, 3})}, false, true, false},
-        {"scale y differs", {scale({2, 3, 2})}, false, true, false},
-        {"NaN scale", {scale({sNaN, sNaN, sNaN})}, false, true, false},
-        {"unit scale set", {uniform(2), scale(Vector::ONE)}, true, true, true},
-        {"uniform scale", {scale({1, 2, 3}), uniform(2)}, false, true, true},
-        {"uniform NaN scale", {uniform(sNaN)}, false, true, true},
-        {"unit scale made: identity flag stays down", {uniform(2), sUnitScale}, false, true, true},
-        {"unit scale made and recomputed", {uniform(2), sUnitScale, sRecompute}, true, true, true},
-        {"unit scale of unequal scales", {scale({1, 2, 3}), sUnitScale}, false, true, true},
-        {"rotation keeps the scale's uniformity", {scale({1, 2, 3}), rotate(sQuarterTurn)}, false, true, false},
-        {"general and rotation again: not uniform", {general(sQuarterTurn), rotate(sQuarterTurn)}, false, true, false},
-        {"general matrix never reports a uniform scale", {general(sQuarterTurn), uniform(3)}, false, false, false},
-        {"scale kept with a general identity", {uniform(2), general(Matrix::IDENTITY)}, false, false, false},
-        {"made identity", {general(sQuarterTurn), translate({1, 2, 3}), sIdentity}, true, true, true},
-        {"written in place", {sWrite}, true, true, true},
-        {"written in place and recomputed", {sWrite, sRecompute}, false, true, true},
+    const std::tuple<const char*, Transformation, bool, bool, bool> rows[] = {
+        {"new", Made(), true, true, true},
+        {"rotation", Made().rotate(sQuarterTurn), false, true, true},
+        {"identity as rotation", Made().rotate(Matrix::IDENTITY), true, true, true},
+        {"identity as general matrix", Made().general(Matrix::IDENTITY), true, false, false},
+        {"negative zero in the matrix", Made().rotate(sNegativeZero), false, true, true},
+        {"rotation and back", Made().rotate(sQuarterTurn).rotate(Matrix::IDENTITY), true, true, true},
+        {"translation", Made().translate({0, 0, 1}), false, true, true},
+        {"negative zero translation", Made().translate({-0.0F, 0, 0}), true, true, true},
+        {"translation of a general matrix", Made().general(sQuarterTurn).translate({1, 0, 0}), false, false, false},
+        {"equal scales", Made().scale({2, 2, 2}), false, true, true},
+        {"unequal scales", Made().scale({2, 2, 3}), false, true, false},
+        {"scale y differs", Made().scale({2, 3, 2}), false, true, false},
+        {"NaN scale", Made().scale({sNaN, sNaN, sNaN}), false, true, false},
+        {"unit scale set", Made().uniform(2).scale(Vector::ONE), true, true, true},
+        {"uniform scale", Made().scale({1, 2, 3}).uniform(2), false, true, true},
+        {"uniform NaN scale", Made().uniform(sNaN), false, true, true},
+        {"unit scale made: identity flag stays down", Made().uniform(2).unitScale(), false, true, true},
+        {"unit scale made and recomputed", Made().uniform(2).unitScale().recompute(), true, true, true},
+        {"unit scale of unequal scales", Made().scale({1, 2, 3}).unitScale(), false, true, true},
+        {"rotation keeps the scale's uniformity", Made().scale({1, 2, 3}).rotate(sQuarterTurn), false, true, false},
+        {"general and rotation again: not uniform", Made().general(sQuarterTurn).rotate(sQuarterTurn), false, true,
+         false},
+        {"general matrix never reports a uniform scale", Made().general(sQuarterTurn).uniform(3), false, false, false},
+        {"scale kept with a general identity", Made().uniform(2).general(Matrix::IDENTITY), false, false, false},
+        {"made identity", Made().general(sQuarterTurn).translate({1, 2, 3}).identity(), true, true, true},
+        {"written in place", Made().write(sQuarterTurn), true, true, true},
+        {"written in place and recomputed", Made().write(sQuarterTurn).recompute(), false, true, true},
     };
-    for (const auto& [what, steps, isIdentity, isRS, isUniform] : rows) {
-        const Transformation transformation = make(steps);
+    for (const auto& [what, transformation, isIdentity, isRS, isUniform] : rows) {
         EXPECT_EQ(transformation.IsIdentity(), isIdentity) << what;
         EXPECT_EQ(transformation.IsRSMatrix(), isRS) << what;
         EXPECT_EQ(transformation.IsUniformScale(), isUniform) << what;
     }
-    const Transformation again = make({general(sQuarterTurn), uniform(3), rotate(sQuarterTurn)});
+    const Transformation again = Made().general(sQuarterTurn).uniform(3).rotate(sQuarterTurn);
     EXPECT_TRUE(again.IsUniformScale()) << "remembered beside the general matrix";
     EXPECT_EQ(again.GetUniformScale(), 3);
 }
@@ -112,7 +89,7 @@ TEST(TransformationQueries, FiniteMeansWithinTheLargestDouble) {
             } else {
                 matrix[(index - 6) / 3][index % 3] = value;
             }
-            const Transformation map = make({general(matrix), scale(scaling), translate(translation)});
+            const Transformation map = Made().general(matrix).scale(scaling).translate(translation);
             EXPECT_EQ(map.IsFinite(), std::isfinite(value)) << "component " << index << ", value " << value;
         }
     }
@@ -121,29 +98,29 @@ TEST(TransformationQueries, FiniteMeansWithinTheLargestDouble) {
 TEST(TransformationQueries, NormIsTheLargestScaleOrTheRowSum) {
     const float half = std::sqrt(0.5F);
     const Matrix turned45(half, -half, 0, half, half, 0, 0, 0, 1);
-    const std::tuple<const char*, std::vector<Step>, float> rows[] = {
-        {"identity", {}, 1},
-        {"rotation by 45 degrees", {rotate(turned45)}, std::sqrt(2.0F)},
-        {"scales of absolute value 1", {rotate(turned45), scale({-1, 1, -1})}, std::sqrt(2.0F)},
-        {"large scale", {rotate(turned45), scale({3, 1, 1})}, 3},
-        {"large negative scale", {scale({1, -4, 2})}, 4},
-        {"small scale among ones", {rotate(turned45), scale({1, 1, 0.5F})}, 1},
-        {"small scales", {scale({0.5F, 0.25F, 0.125F})}, 0.5F},
-        {"general matrix", {general({1, -2, 3, 0, 0, 1, 4, 0, 0}), uniform(9)}, 6},
+    const std::tuple<const char*, Transformation, float> rows[] = {
+        {"identity", Made(), 1},
+        {"rotation by 45 degrees", Made().rotate(turned45), std::sqrt(2.0F)},
+        {"scales of absolute value 1", Made().rotate(turned45).scale({-1, 1, -1}), std::sqrt(2.0F)},
+        {"large scale", Made().rotate(turned45).scale({3, 1, 1}), 3},
+        {"large negative scale", Made().scale({1, -4, 2}), 4},
+        {"small scale among ones", Made().rotate(turned45).scale({1, 1, 0.5F}), 1},
+        {"small scales", Made().scale({0.5F, 0.25F, 0.125F}), 0.5F},
+        {"general matrix", Made().general({1, -2, 3, 0, 0, 1, 4, 0, 0}).uniform(9), 6},
     };
-    for (const auto& [what, steps, norm] : rows) {
-        EXPECT_FLOAT_EQ(make(steps).GetNorm(), norm) << what;
+    for (const auto& [what, transformation, norm] : rows) {
+        EXPECT_FLOAT_EQ(transformation.GetNorm(), norm) << what;
     }
 }
 
 TEST(TransformationQueries, EqualityLooksAtBitsAndFlags) {
-    const Transformation generalIdentity = make({general(Matrix::IDENTITY)});
-    EXPECT_TRUE(make({rotate(Matrix::IDENTITY)}) == Transformation());
+    const Transformation generalIdentity = Made().general(Matrix::IDENTITY);
+    EXPECT_TRUE(Made().rotate(Matrix::IDENTITY) == Transformation());
     EXPECT_FALSE(generalIdentity == Transformation());
     EXPECT_TRUE(generalIdentity.Equals(Transformation()));
-    const Transformation positiveZero = make({translate({1, 0, 0})});
-    EXPECT_TRUE(make({translate({1, -0.0F, 0})}) == positiveZero);
-    EXPECT_FALSE(make({translate({1, 0, 0}), rotate(sNegativeZero)}) == positiveZero);
+    const Transformation positiveZero = Made().translate({1, 0, 0});
+    EXPECT_TRUE(Made().translate({1, -0.0F, 0}) == positiveZero);
+    EXPECT_FALSE(Made().translate({1, 0, 0}).rotate(sNegativeZero) == positiveZero);
 }
 
 template <typename Real>

@@ -19,6 +19,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+enum class Renderer { Rsvg, Chromium };
+
 /// A folder of this process only: test cases run side by side.
 const fs::path& getScratchFolder() {
     static const fs::path folder = [] {
@@ -73,8 +75,7 @@ std::string makeCommand(Renderer renderer, const std::string& svg, const fs::pat
     return command.str();
 }
 
-}  // namespace
-
+/// The path of the PNG file; empty, after a test failure, when the renderer is missing or fails.
 std::string renderDrawing(Renderer renderer, const std::string& svg, const std::string& name) {
     const fs::path source = getScratchFolder() / (name + ".svg");
     const fs::path target = getScratchFolder() / (name + (renderer == Renderer::Rsvg ? ".rsvg.png" : ".chromium.png"));
@@ -88,6 +89,7 @@ std::string renderDrawing(Renderer renderer, const std::string& svg, const std::
     return target;
 }
 
+/// How much two pictures differ; 1 as well when they cannot be compared.
 double comparePictures(const std::string& pathA, const std::string& pathB) {
     // Renderers round the size of a picture in their own ways. The difference is printed as "<absolute> (<relative>)".
     const std::string scratch = getScratchFolder() / "blurred-";
@@ -102,6 +104,8 @@ double comparePictures(const std::string& pathA, const std::string& pathB) {
     }
     return std::stod(match[1]);
 }
+
+}  // namespace
 
 testing::AssertionResult matchesReference(const std::string& svg, const std::string& name, double tolerance) {
     const fs::path reference = fs::path(KT_SOURCE_DIR) / "tests" / "data" / "svg" / (name + ".png");
