@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Runs of the tool that are told in text: what is there, what is run, what comes out."""
 
+import json
 import os
 import pathlib
 import tempfile
@@ -89,6 +90,9 @@ class CommandCases(support.ToolTest):
             self.assertEqual(result.error, "")
         self.check_text(case, "out", result.out)
         self.check_text(case, "error", result.error)
+        if "log" in case:
+            lines = [line for dump in result.out.splitlines() for line in json.loads(dump)["log"]]
+            self.assertEqual([(5, message) for message in case["log"]], [(line["type"], line["message"]) for line in lines])
         self.check_files(case)
 
     def test_run_as_told(self):
