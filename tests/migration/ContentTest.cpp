@@ -17,6 +17,36 @@ using kt::svg::Transform;
 using ktLegacy::Properties;
 using ktLegacy::Segment;
 
+TEST_F(MigrationTest, SkipsNullEntriesAndRefusesNullViewsAndUsedResults) {
+    ktLegacy::ktAnnotationMigration migration(7, giveRaster, nullptr, 3.0F);
+    const kt::ktPointer<ktLegacy::ktAnnotationView> view(new ktLegacy::ktAnnotationView);
+    view->mAnnotations = {nullptr};
+    kt::ktPointer<kt::ktCadAnnotationView> result;
+    EXPECT_FALSE(migration.migrateAnnotationView(nullptr, result));
+    EXPECT_EQ(result, nullptr);
+    EXPECT_TRUE(migration.migrateAnnotationView(view, result));
+    ASSERT_NE(result, nullptr);
+    EXPECT_TRUE(result->mAnnotations.empty());
+    const kt::ktCadAnnotationView* before = result.get();
+    EXPECT_FALSE(migration.migrateAnnotationView(view, result));
+    EXPECT_EQ(result.get(), before);
+    EXPECT_EQ(takeLog(), Strings());
+}
+
+TEST_F(MigrationTest, ConvertsEveryFlagsByte) {
+    for (unsigned int byte = 0; byte < 256; ++byte) {
+        SCOPED_TRACE(byte);
+        const auto raster = makeRaster("r", 10.0F, 4.0F);
+        raster->setFlags(static_cast<std::uint8_t>(byte));
+        const Annotation annotation = migrate(raster);
+        // By the upper three bits: ignore depth 0x20, scale locked 0x40 or else 0x10, frame not locked 0x80.
+        constexpr int expected[8] = {0x90, 0xB0, 0xC0, 0xE0, 0x10, 0x30, 0x40, 0x60};
+        ASSERT_EQ(annotation != nullptr, (byte & 0x0F) != 0x0F) << "the last frame code is undefined";
+        EXPECT_TRUE(annotation == nullptr || annotation->mFlags == expected[byte >> 5]);
+    }
+    EXPECT_EQ(takeLog(), Strings());
+}
+
 class RasterMigrationTest : public MigrationTest {
 protected:
     bool migrateRaster(ktLegacy::ktAnnotationMigration::RasterCallback callback, void* userData = nullptr) {

@@ -34,12 +34,9 @@ def commands_in(text):
 def options_in_help(text):
     """The options that begin the lines below "Options:"."""
     block = re.search(r"^Options:\n((?:  .*\n)+)", text, re.MULTILINE)
-    found = set()
-    for line in block.group(1).splitlines() if block else []:
-        if re.match(r"  -", line):
-            # "-o,--output TEXT ...": the names end at the first blank.
-            found.update(line.split()[0].split(","))
-    return found
+    # "-o,--output TEXT ...": the names end at the first blank.
+    names = re.findall(r"^  (-\S+)", block.group(1), re.MULTILINE) if block else []
+    return {option for name in names for option in name.split(",")}
 
 
 def options_in_file(name, text):

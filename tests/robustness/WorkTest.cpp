@@ -74,21 +74,18 @@ Bytes makeEqualKeys(std::uint32_t count) {
     return makeView(repeat(front, StreamBuilder().text("same").u8(1).u8(1), count, StreamBuilder()));
 }
 
-Bytes makeUnknownTypes(std::uint32_t count) {
+/// Objects of ids that differ by a step.
+Bytes makeObjects(const char* type, std::uint32_t step, std::uint32_t count) {
     DocumentBuilder document(27);
     for (std::uint32_t index = 0; index < count; ++index) {
-        document.record("?", index + 1, {});
+        document.record(type, 7 + index * step, makeSmallView(27, "v"));
     }
     return document.build();
 }
 
-Bytes makeTakenIds(std::uint32_t count) {
-    DocumentBuilder document(27);
-    for (std::uint32_t index = 0; index < count; ++index) {
-        document.view(7, makeSmallView(27, "v"));
-    }
-    return document.build();
-}
+Bytes makeUnknownTypes(std::uint32_t count) { return makeObjects("?", 1, count); }
+
+Bytes makeTakenIds(std::uint32_t count) { return makeObjects("ktCore.ktAnnotationView", 0, count); }
 
 Bytes makeLinksToNothing(std::uint32_t count) {
     return DocumentBuilder(27).metadata(1, std::vector<std::uint32_t>(count, 2)).build();

@@ -69,12 +69,15 @@ void addBackground(ktCadAnnotationView& view) {
 
 constexpr ktCadViewSvgWriter::Options sNoMargin{svg::SvgWriter::TextMode::Text, 0.0F, 0.5F, 0.0F};
 
-TEST(Drawing, OfAnEmptyViewShowsItsTitle) {
+TEST(Drawing, ShowsItsTitleAndHasAMargin) {
     ktCadAnnotationView view;
     view.SetName("Top & bottom \x01");
     const Drawing drawing(view);
     EXPECT_EQ(drawing.mElements.at(0).getAttribute("viewBox"), "-5 -5 10 10");
     EXPECT_EQ(test::findElements(drawing.mElements, "title").at(0).mText, "Top & bottom \xEF\xBF\xBD");
+    addAnnotation(view, "wide", {}, {makeRect({0, 0}, {1000, 10})});
+    EXPECT_EQ(Drawing(view).mElements.at(0).getAttribute("viewBox"), "-10 -10 1020 30")
+        << "large ones have more margin";
 }
 
 TEST(Drawing, PutsLeadersBeneathAnnotationsAndHoldsEverything) {
@@ -128,7 +131,7 @@ TEST(DrawingPicture, OfTransforms) {
         chain->appendChild(test::makeGroup(turn, {makeRect({8, -1}, {2, 2}, depth % 2 == 0 ? "#008000" : "#80C080")}));
         chain = std::static_pointer_cast<svg::Node>(chain->editChildren().back());
     }
-    EXPECT_TRUE(test::matchesReference(Drawing(view, sNoMargin).mText, "transforms", sTolerance));
+    test::expectReference(Drawing(view, sNoMargin).mText, "transforms", sTolerance);
 }
 
 TEST(DrawingPicture, OfImages) {
@@ -141,7 +144,7 @@ TEST(DrawingPicture, OfImages) {
     auto turned = test::makeImage(png, {-8, -8}, {16, 16});
     turned->setTransform(svg::Transform::makeTranslationRotationScale({38, 12}, sPi / 2, 0.9F));
     addAnnotation(view, "images", {}, {test::makeImage(png, {4, 4}, {16, 16}), turned});
-    EXPECT_TRUE(test::matchesReference(Drawing(view, sNoMargin).mText, "images", sTolerance));
+    test::expectReference(Drawing(view, sNoMargin).mText, "images", sTolerance);
 }
 
 }  // namespace

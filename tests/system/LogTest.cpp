@@ -39,17 +39,7 @@ TEST(LogObject, WritesWhatItCollectedWhenItIsDestroyed) {
     }
 }
 
-TEST(Log, ReplacedLogSeesTheSystemComeAndGo) {
-    {
-        RecordingLog log;
-        kt::initializeKtSystem(kt::InitType::Full, false);
-        kt::initializeKtSystem(kt::InitType::Full, false);
-        kt::terminateKtSystem();
-        kt::terminateKtSystem();
-        EXPECT_EQ(log.takeMessages(ktLog::Debug),
-                  (std::vector<std::string>{"system: first user", "system: last user gone"}));
-    }
-    // Without any log the bundled one comes back.
+TEST(Log, BundledLogComesBackWhenThereIsNone) {
     EXPECT_EQ(ktLog::msInstance.exchange(nullptr), &ktLog::getBundledLog());
     kt::initializeKtSystem(kt::InitType::Minimal, false);
     EXPECT_EQ(ktLog::msInstance.load(), &ktLog::getBundledLog());
