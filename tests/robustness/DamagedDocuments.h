@@ -120,8 +120,8 @@ inline StreamBuilder makeFullView(unsigned int minor) {
 inline StreamBuilder makeSmallView(unsigned int minor, std::string_view name) {
     StreamBuilder body(minor);
     body.viewStart(name).count(0);
-    body = body.isFrom(15) ? body.count(0) : body;
-    return body.isFrom(27) ? body.emptyMap() : body;
+    StreamBuilder& counted = body.isFrom(15) ? body.count(0) : body;
+    return counted.isFrom(27) ? counted.emptyMap() : counted;
 }
 
 /// A document of less than 600 bytes: a full view (id 2), a small one (id 3), a metadata object (id 1) that lists both.
