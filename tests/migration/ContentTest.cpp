@@ -251,7 +251,7 @@ TEST_F(TextMigrationTest, DropsBlankSegmentsAndLines) {
         {{{"A"}, {"B"}}, {"A", "B"}},
         {{{"A"}, {}, {""}, {"   "}, {"B"}}, {"A", "B"}},
         {{{"x", " ", "y"}}, {"xy"}},
-        {{{" x", "y "}}, {" xy "}},
+        {{{" x", "\t", "y "}}, {" x y "}},  // a tab counts
         {{}, {" "}},
         {{{}}, {" "}},
         {{{"   "}}, {" "}},
