@@ -79,6 +79,7 @@ TEST_F(Model, CopiesAreDeep) {
 TEST_F(Model, AssignmentKeepsTheKindAndSharesChildrenOfUnknownKind) {
     const AnnotationPointer host(new HostAnnotation);
     mRaster->SetName("image");
+    mRaster->mColor = {1, 2, 3};
     mRaster->setFlags(0xF3);
     addChild(*mRaster, host);
     mText = makeText("kept");
@@ -87,7 +88,7 @@ TEST_F(Model, AssignmentKeepsTheKindAndSharesChildrenOfUnknownKind) {
     ASSERT_EQ(mText->getSubAnnotsCount(), 1U);
     EXPECT_EQ(mText->getSubAnnots().front().mAnnotation, host);
     mText->removeSubAnnots();
-    EXPECT_EQ(show(mText), "text 'image' flagsf3 |kept");
+    EXPECT_EQ(show(mText), "text 'image' rgb(1 2 3) flagsf3 |kept");
     EXPECT_EQ(host->cloneAnnotation(), nullptr);
 }
 

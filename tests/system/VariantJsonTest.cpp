@@ -3,7 +3,6 @@
 #include "platform/system/ktVariantMapImpl.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <limits>
 #include <span>
