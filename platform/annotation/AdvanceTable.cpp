@@ -232,8 +232,9 @@ AdvanceTable::AdvanceTable(const Font& font) : mFont(font) {
         mCharacters.push_back(entry.mCharacter);
         mGlyphs.push_back({entry.mGlyph, entry.mAdvance, font.getInkBox(entry.mGlyph)});
     }
-    mKerning = std::make_unique<std::atomic<std::int16_t>[]>(mGlyphs.size() * mGlyphs.size());
-    for (std::size_t index = 0; index < mGlyphs.size() * mGlyphs.size(); ++index) {
+    mGlyphCount = mGlyphs.size();
+    mKerning = std::make_unique<std::atomic<std::int16_t>[]>(mGlyphCount * mGlyphCount);
+    for (std::size_t index = 0; index < mGlyphCount * mGlyphCount; ++index) {
         mKerning[index].store(sUnknown, std::memory_order_relaxed);
     }
     for (const OpenTypeLookups::GlyphPair& pair : finder.getLigatureStarts()) {
@@ -259,7 +260,7 @@ void AdvanceTable::excludePair(hb_codepoint_t first, hb_codepoint_t second) {
     for (std::size_t i = 0; i < mGlyphs.size(); ++i) {
         for (std::size_t j = 0; mGlyphs[i].mGlyph == first && j < mGlyphs.size(); ++j) {
             if (mGlyphs[j].mGlyph == second) {
-                mKerning[i * mGlyphs.size() + j].store(sNotAdditive, std::memory_order_relaxed);
+                mKerning[i * mGlyphCount + j].store(sNotAdditive, std::memory_order_relaxed);
             }
         }
     }
@@ -282,7 +283,7 @@ int AdvanceTable::measureKerning(Index first, Index second) const {
             kerning = move;
         }
     }
-    mKerning[first * mGlyphs.size() + second].store(static_cast<std::int16_t>(kerning), std::memory_order_relaxed);
+    mKerning[first * mGlyphCount + second].store(static_cast<std::int16_t>(kerning), std::memory_order_relaxed);
     return kerning;
 }
 

@@ -45,7 +45,7 @@ public:
     const Glyph& getGlyph(Index index) const { return mGlyphs[index]; }
     /// How far the second character moves towards (below 0) or away from the first, or sNotAdditive.
     int getKerning(Index first, Index second) const {
-        const std::int16_t known = mKerning[first * mGlyphs.size() + second].load(std::memory_order_relaxed);
+        const std::int16_t known = mKerning[first * mGlyphCount + second].load(std::memory_order_relaxed);
         return known != sUnknown ? known : measureKerning(first, second);
     }
 
@@ -58,6 +58,7 @@ private:
     const Font& mFont;
     std::vector<char32_t> mCharacters;  ///< ascending, parallel to mGlyphs
     std::vector<Glyph> mGlyphs;
+    std::size_t mGlyphCount = 0;
     /// By first and second character. Every thread that measures a pair finds the same number, so the order of stores
     /// does not matter.
     mutable std::unique_ptr<std::atomic<std::int16_t>[]> mKerning;

@@ -214,10 +214,7 @@ InkBox Font::getInkBox(hb_codepoint_t glyph) const {
         for (const double y : {bottom, top}) {
             const double mappedX = matrix[0] * x + matrix[1] * y;
             const double mappedY = matrix[2] * x + matrix[3] * y;
-            box.mLeft = std::min(box.mLeft, static_cast<std::int64_t>(std::floor(mappedX)));
-            box.mRight = std::max(box.mRight, static_cast<std::int64_t>(std::ceil(mappedX)));
-            box.mBottom = std::min(box.mBottom, static_cast<std::int64_t>(std::floor(mappedY)));
-            box.mTop = std::max(box.mTop, static_cast<std::int64_t>(std::ceil(mappedY)));
+            box.addBox({std::floor(mappedX), std::floor(mappedY), std::ceil(mappedX), std::ceil(mappedY)});
         }
     }
     return box;

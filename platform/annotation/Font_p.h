@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -33,22 +34,25 @@ struct FontSource {
     std::array<double, 4> mMatrix{1.0, 0.0, 0.0, 1.0};  ///< applied to outlines: xx, xy, yx, yy
 };
 
-/// Ink box of a glyph or run in font units, y up. Starts empty.
+/// Ink box of a glyph or run in font units, y up: whole numbers, in a type that adds and compares without branches.
+/// Starts empty.
 struct InkBox {
-    bool isEmpty() const { return mLeft > mRight; }
-    void addBox(const InkBox& box, std::int64_t x, std::int64_t y) {
-        if (!box.isEmpty()) {
-            mLeft = std::min(mLeft, box.mLeft + x);
-            mRight = std::max(mRight, box.mRight + x);
-            mBottom = std::min(mBottom, box.mBottom + y);
-            mTop = std::max(mTop, box.mTop + y);
-        }
-    }
+    static constexpr double sInfinity = std::numeric_limits<double>::infinity();
 
-    std::int64_t mLeft = INT32_MAX;
-    std::int64_t mBottom = INT32_MAX;
-    std::int64_t mRight = INT32_MIN;
-    std::int64_t mTop = INT32_MIN;
+    bool isEmpty() const { return mLeft > mRight; }
+    /// Adds a box. An empty one adds nothing.
+    void addBox(const InkBox& box) {
+        mLeft = std::min(mLeft, box.mLeft);
+        mBottom = std::min(mBottom, box.mBottom);
+        mRight = std::max(mRight, box.mRight);
+        mTop = std::max(mTop, box.mTop);
+    }
+    InkBox makeMoved(double x, double y) const { return {mLeft + x, mBottom + y, mRight + x, mTop + y}; }
+
+    double mLeft = sInfinity;
+    double mBottom = sInfinity;
+    double mRight = -sInfinity;
+    double mTop = -sInfinity;
 };
 
 /// Vertical metrics in ems; all positive in the usual direction.

@@ -78,7 +78,8 @@ void RunShaper::shapeInto(const RunRequest& request, ShapedRun& run) {
     for (unsigned index = 0; index < count; ++index) {
         const hb_glyph_position_t& position = positions[index];
         const ShapedGlyph glyph{infos[index].codepoint, run.mAdvance + position.x_offset, position.y_offset};
-        run.mInk.addBox(request.mFont->getInkBox(glyph.mGlyph), glyph.mX, glyph.mY);
+        run.mInk.addBox(request.mFont->getInkBox(glyph.mGlyph)
+                            .makeMoved(static_cast<double>(glyph.mX), static_cast<double>(glyph.mY)));
         run.mGlyphs.push_back(glyph);
         run.mAdvance += position.x_advance;
     }

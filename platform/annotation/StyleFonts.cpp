@@ -26,52 +26,62 @@ bool StyleFonts::measureSimple(std::string_view text, RunExtent& extent) {
     if (mSlots.empty()) {
         mSlots.resize(AdvanceTable::sCharacterEnd);
     }
+    const AdvanceTable* table = nullptr;
     InkBox ink;
     std::int64_t pen = 0;
     Slot last;
     for (std::size_t position = 0; position < text.size();) {
-        const auto byte = static_cast<unsigned char>(text[position]);
-        const char32_t character = byte < 0x80 ? (++position, char32_t{byte}) : decodeCharacter(text, position);
+        // The position itself stays in a register.
+        std::size_t end = position + 1;
+        char32_t character = static_cast<unsigned char>(text[position]);
+        if (character >= 0x80) {
+            end = position;
+            character = decodeCharacter(text, end);
+        }
+        position = end;
         if (character >= AdvanceTable::sCharacterEnd) {
             return false;
         }
         Slot slot = mSlots[character];
-        if (slot.mTable == sUnknownTable) {
-            slot = findSlot(character);
+        if (slot.mTable >= sNoTable) [[unlikely]] {
+            slot = slot.mTable == sUnknownTable ? findSlot(character) : slot;
+            if (slot.mTable == sNoTable) {
+                return false;
+            }
         }
-        if (slot.mTable == sNoTable) {
-            return false;
-        }
-        const AdvanceTable& table = *mTables[slot.mTable].mTable;
-        if (slot.mTable == last.mTable) {
-            const int kerning = table.getKerning(last.mIndex, slot.mIndex);
+        if (slot.mTable == last.mTable) [[likely]] {
+            const int kerning = table->getKerning(last.mIndex, slot.mIndex);
             if (kerning == AdvanceTable::sNotAdditive) {
                 return false;
             }
             pen += kerning;
-        } else if (last.mTable != sUnknownTable) {
-            addPiece(*mTables[last.mTable].mFont, pen, ink, extent);
+        } else {
+            if (table != nullptr) {
+                addPiece(*mTables[last.mTable].mFont, pen, ink, extent);
+            }
+            table = mTables[slot.mTable].mTable;
             ink = {};
             pen = 0;
         }
-        const AdvanceTable::Glyph& glyph = table.getGlyph(slot.mIndex);
-        ink.addBox(glyph.mInk, pen, 0);
+        const AdvanceTable::Glyph& glyph = table->getGlyph(slot.mIndex);
+        const auto x = static_cast<double>(pen);
+        ink.addBox({glyph.mInk.mLeft + x, glyph.mInk.mBottom, glyph.mInk.mRight + x, glyph.mInk.mTop});
         pen += glyph.mAdvance;
         last = slot;
     }
-    if (last.mTable != sUnknownTable) {
+    if (table != nullptr) {
         addPiece(*mTables[last.mTable].mFont, pen, ink, extent);
     }
     return true;
 }
 
-void StyleFonts::addPiece(const Font& font, std::int64_t advance, const InkBox& ink, RunExtent& extent) const {
+void StyleFonts::addPiece(const Font& font, std::int64_t advance, InkBox ink, RunExtent& extent) const {
     const double unitsPerEm = font.getUnitsPerEm();
     if (!ink.isEmpty()) {
-        const double bottom = static_cast<double>(ink.mBottom) / unitsPerEm;
-        const double top = static_cast<double>(ink.mTop) / unitsPerEm;
-        extent.mInkLeft = std::min(extent.mInkLeft, extent.mAdvance + static_cast<double>(ink.mLeft) / unitsPerEm);
-        extent.mInkRight = std::max(extent.mInkRight, extent.mAdvance + static_cast<double>(ink.mRight) / unitsPerEm);
+        const double bottom = ink.mBottom / unitsPerEm;
+        const double top = ink.mTop / unitsPerEm;
+        extent.mInkLeft = std::min(extent.mInkLeft, extent.mAdvance + ink.mLeft / unitsPerEm);
+        extent.mInkRight = std::max(extent.mInkRight, extent.mAdvance + ink.mRight / unitsPerEm);
         extent.mInkBottom = std::min(extent.mInkBottom, bottom);
         extent.mInkTop = std::max(extent.mInkTop, top);
         if (&font != mMainFont) {

@@ -44,7 +44,7 @@ public:
     bool measureSimple(std::string_view text, RunExtent& extent);
 
     /// Adds a piece in one font to an extent.
-    void addPiece(const Font& font, std::int64_t advance, const InkBox& ink, RunExtent& extent) const;
+    void addPiece(const Font& font, std::int64_t advance, InkBox ink, RunExtent& extent) const;
 
 private:
     /// Where a character stands in the tables of the style's fonts.
