@@ -3,9 +3,10 @@
 #include "platform/svg/PathBuilder.h"
 #include "platform/svg/Rect.h"
 
+#include <array>
 #include <cmath>
 #include <memory>
-#include <vector>
+#include <span>
 
 namespace ktLegacy {
 
@@ -23,7 +24,7 @@ std::shared_ptr<ItemInterface> makeRectangle(const BoundingBox& box) {
     return migration::makeItem<kt::svg::Rect>(box.getMinPoint(), box.getSize());
 }
 
-std::shared_ptr<ItemInterface> makeClosedPath(const std::vector<Vector2<float>>& points) {
+std::shared_ptr<ItemInterface> makeClosedPath(std::span<const Vector2<float>> points) {
     kt::svg::PathBuilder builder;
     builder.startContour();
     builder.appendSegmentListMove(points);
@@ -46,19 +47,19 @@ std::shared_ptr<ItemInterface> makeFlag(const BoundingBox& box, bool hasLeftTip,
     const float width = box.getWidth();
     const float height = box.getHeight();
 
-    std::vector<Vector2<float>> points;
-    points.reserve(6);
+    std::array<Vector2<float>, 6> points;
+    std::size_t count = 0;
     if (hasLeftTip) {
-        points.push_back(corner + Vector2<float>(-sTipLength * height, 0.5F * height));
+        points[count++] = corner + Vector2<float>(-sTipLength * height, 0.5F * height);
     }
-    points.push_back(corner + Vector2<float>(0.0F, height));
-    points.push_back(corner + Vector2<float>(width, height));
+    points[count++] = corner + Vector2<float>(0.0F, height);
+    points[count++] = corner + Vector2<float>(width, height);
     if (hasRightTip) {
-        points.push_back(box.getMaxPoint() + Vector2<float>(sTipLength * height, -0.5F * height));
+        points[count++] = box.getMaxPoint() + Vector2<float>(sTipLength * height, -0.5F * height);
     }
-    points.push_back(corner + Vector2<float>(width, 0.0F));
-    points.push_back(corner);
-    return makeClosedPath(points);
+    points[count++] = corner + Vector2<float>(width, 0.0F);
+    points[count++] = corner;
+    return makeClosedPath({points.data(), count});
 }
 
 /// The slanted sides pass through the lower left and the upper right corner, so that the whole box lies inside.
@@ -66,8 +67,8 @@ std::shared_ptr<ItemInterface> makeParallelogram(const BoundingBox& box) {
     const Vector2<float>& corner = box.getMinPoint();
     const float width = box.getWidth();
     const float height = box.getHeight();
-    return makeClosedPath({corner, corner + Vector2<float>(-sTipLength * height, height), box.getMaxPoint(),
-                           corner + Vector2<float>(width + sTipLength * height, 0.0F)});
+    return makeClosedPath(std::array{corner, corner + Vector2<float>(-sTipLength * height, height), box.getMaxPoint(),
+                                     corner + Vector2<float>(width + sTipLength * height, 0.0F)});
 }
 
 /// @param outline  the content box; enlarged where the shape asks for it. Tips never count.

@@ -2,6 +2,7 @@
 #include "migration/ktAnnotationMigration.h"
 #include "platform/svg/PathBuilder.h"
 
+#include <initializer_list>
 #include <memory>
 
 namespace ktLegacy {
@@ -35,7 +36,7 @@ HeadFrame makeHeadFrame(const Vector3<float>& target, const Vector3<float>& anch
     return {along, {-along.y, along.x}, size};
 }
 
-void appendContour(PathBuilder& builder, const std::vector<Vector2<float>>& points) {
+void appendContour(PathBuilder& builder, std::initializer_list<Vector2<float>> points) {
     builder.startContour();
     builder.appendSegmentListMove(points);
     builder.endContour(false);

@@ -1,7 +1,5 @@
 #include "migration/MigrationSupport_p.h"
-#include "migration/ktAnnotationMigration.h"
-#include "platform/annotation/TextArea.h"
-#include "platform/annotation/TextSegmentToSvgConverter.h"
+#include "migration/TextWork_p.h"
 
 #include <memory>
 #include <string_view>
@@ -40,8 +38,8 @@ bool isBlank(const LegacySegment& segment) {
 }
 
 /// Converts the segments that are not blank.
-TextArea::Line convertLine(const ktAnnotationText::Line& legacyLine) {
-    TextArea::Line line;
+void convertLine(const ktAnnotationText::Line& legacyLine, TextArea::Line& line) {
+    line.clear();
     line.reserve(legacyLine.size());
     for (const LegacySegment& legacy : legacyLine) {
         if (isBlank(legacy)) {
@@ -51,31 +49,28 @@ TextArea::Line convertLine(const ktAnnotationText::Line& legacyLine) {
         if (legacy.mProperties != nullptr) {
             kt::text::TextProperties properties;
             convertProperties(*legacy.mProperties, properties);
-            segment.setProperties(properties);
+            segment.setProperties(std::move(properties));
         }
         segment.setType(convertType(legacy.mType));
         segment.setText(legacy.getText(), legacy.mLength);
     }
-    return line;
 }
 
 /// Lines without content are dropped, also between others; a text without any becomes one blank.
-TextArea convertText(const ktAnnotationText& text, const Wm4::Vector3<unsigned char>& colour) {
-    TextArea area;
+void convertText(const ktAnnotationText& text, const Wm4::Vector3<unsigned char>& colour, TextArea& area) {
     convertProperties(text.mDefaultTextProperties, area.mDefaultProperties);
     area.mDefaultProperties.mColor = colour;
 
-    area.mLines.reserve(text.mLines.size());
+    std::size_t lineCount = 0;
     for (const ktAnnotationText::Line& legacyLine : text.mLines) {
-        TextArea::Line line = convertLine(legacyLine);
-        if (!line.empty()) {
-            area.mLines.push_back(std::move(line));
-        }
+        TextArea::Line& line = lineCount < area.mLines.size() ? area.mLines[lineCount] : area.mLines.emplace_back();
+        convertLine(legacyLine, line);
+        lineCount += line.empty() ? 0U : 1U;
     }
-    if (area.mLines.empty()) {
+    area.mLines.resize(lineCount);
+    if (lineCount == 0) {
         area.mLines.emplace_back().emplace_back(" ", kt::text::TextSegment::Normal, nullptr);
     }
-    return area;
 }
 
 }  // namespace
@@ -84,7 +79,8 @@ bool ktAnnotationMigration::migrateTextAnnotation(const ktAnnotationText* text, 
                                                   const Wm4::Vector3<unsigned char>& colour) {
     auto group = migration::makeItem<kt::svg::Node>();
     group->setColor(migration::colorToSvgString(colour));
-    if (!mTextConverter->convertTextAreaToSvg(convertText(*text, colour), *group, nullptr, "dummyTxtBB")) {
+    convertText(*text, colour, mTextWork->mArea);
+    if (!mTextWork->mConverter.convertTextAreaToSvg(mTextWork->mArea, *group, nullptr, "dummyTxtBB")) {
         return false;
     }
     // Text is laid out with y pointing up, the drawing has it pointing down.

@@ -1,7 +1,7 @@
 #include "migration/ktAnnotationMigration.h"
 
 #include "migration/MigrationSupport_p.h"
-#include "platform/annotation/TextSegmentToSvgConverter.h"
+#include "migration/TextWork_p.h"
 #include "platform/svg/ComputeEstimatedBoundingBox.h"
 #include "platform/svg/Transform.h"
 #include "platform/system/ktVariantMapImpl.h"
@@ -173,7 +173,7 @@ ktAnnotationMigration::ktAnnotationMigration(int flags, RasterCallback rasterCal
       mRasterCallback(rasterCallback),
       mRasterUserData(rasterUserData),
       mScale(scale),
-      mTextConverter(std::make_unique<kt::text::TextSegmentToSvgConverter>()) {}
+      mTextWork(std::make_unique<TextWork>()) {}
 
 ktAnnotationMigration::~ktAnnotationMigration() = default;
 

@@ -20,10 +20,6 @@
 #include <string>
 #include <vector>
 
-namespace kt::text {
-class TextSegmentToSvgConverter;
-}
-
 namespace ktLegacy {
 
 /// Turns legacy annotation views into views of the current model. Construct one, migrate any number of views with it;
@@ -81,6 +77,7 @@ public:
 
 private:
     struct OpenAnnotation;
+    struct TextWork;
 
     bool convertView(const ktAnnotationView& view, kt::ktCadAnnotationView& result);
     /// Converts an annotation and its sub-annotations. Walks the tree without recursion, because its depth is the
@@ -107,7 +104,7 @@ private:
     RasterCallback mRasterCallback;
     void* mRasterUserData;
     float mScale;
-    std::unique_ptr<kt::text::TextSegmentToSvgConverter> mTextConverter;
+    std::unique_ptr<TextWork> mTextWork;
 };
 
 }  // namespace ktLegacy

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 #include <numeric>
+#include <span>
 
 namespace kt::text {
 
@@ -117,7 +118,7 @@ bool TextLayout::layOutSimpleLine(const TextArea::Line& line) {
         if (!style.mFonts->measureSimple(text, run.mExtent)) {
             return false;
         }
-        run.mText = text;
+        run.mSegmentText = &text;
         run.mGlyphs = style.mFonts->getSimpleGlyphs();
     }
     return true;
@@ -156,7 +157,7 @@ bool TextLayout::layOutAnyLine(const TextArea::Line& line, LaidOutLine& laidOut)
 void TextLayout::layOutDirectionRun(const SegmentStyle& style, std::size_t start, std::size_t length) {
     LaidOutRun& run = addRun(style);
     run.mLevel = mLevels.mLevels[start];
-    run.mText = toUtf8(std::u32string_view(mCharacters).substr(start, length));
+    run.mShownText = toUtf8(std::u32string_view(mCharacters).substr(start, length));
     shapePieces(*style.mFonts, start, length, run);
 }
 
@@ -194,17 +195,27 @@ void TextLayout::shapePieces(StyleFonts& fonts, std::size_t start, std::size_t l
 }
 
 void TextLayout::placeRuns(LaidOutLine& line) {
+    const std::span<LaidOutRun> runs = std::span(mRuns).subspan(line.mFirstRun, line.mRunCount);
+    if (std::ranges::all_of(runs, [](const LaidOutRun& run) { return run.mLevel == 0; })) {
+        for (LaidOutRun& run : runs) {
+            placeRun(run, line);
+        }
+        return;
+    }
     mOrder.resize(line.mRunCount);
     std::iota(mOrder.begin(), mOrder.end(), line.mFirstRun);
     reorder(mRuns, mOrder);
     for (const std::size_t index : mOrder) {
-        LaidOutRun& run = mRuns[index];
-        run.mX = line.mWidth;
-        line.mWidth += run.getAdvance();
-        const auto size = static_cast<double>(run.mSize);
-        line.mAscent = std::max(line.mAscent, run.mShift + run.mExtent.mSubstituteTop * size);
-        line.mDescent = std::max(line.mDescent, -run.mShift - run.mExtent.mSubstituteBottom * size);
+        placeRun(mRuns[index], line);
     }
+}
+
+void TextLayout::placeRun(LaidOutRun& run, LaidOutLine& line) {
+    run.mX = line.mWidth;
+    line.mWidth += run.getAdvance();
+    const auto size = static_cast<double>(run.mSize);
+    line.mAscent = std::max(line.mAscent, run.mShift + run.mExtent.mSubstituteTop * size);
+    line.mDescent = std::max(line.mDescent, -run.mShift - run.mExtent.mSubstituteBottom * size);
 }
 
 TextLayout::SegmentStyle TextLayout::makeStyle(const TextArea& area, const TextSegment* segment) {
@@ -245,7 +256,7 @@ LaidOutRun& TextLayout::addRun(const SegmentStyle& style) {
     run.mHasOwnProperties = style.mHasOwnProperties;
     run.mSize = style.mSize;
     run.mShift = style.mShift;
-    run.mMetrics = style.mFonts->getMainFont()->getMetrics();
+    run.mMetrics = &style.mFonts->getMainFont()->getMetrics();
     return run;
 }
 

@@ -11,6 +11,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -20,15 +21,17 @@ namespace kt::text {
 struct LaidOutRun {
     const TextProperties* mProperties = nullptr;
     bool mHasOwnProperties = false;
-    std::string mText;
+    const std::string* mSegmentText = nullptr;  ///< the text, when it is the whole of its segment's
+    std::string mShownText;                     ///< else the text
     std::int8_t mLevel = 0;
     float mSize = 0.0F;
     double mX = 0.0;      ///< left edge, from the line's left edge
     double mShift = 0.0;  ///< base line above the line's
-    FontMetrics mMetrics;
+    const FontMetrics* mMetrics = nullptr;
     RunExtent mExtent;  ///< in ems of mSize
     std::shared_ptr<const svg::GlyphSource> mGlyphs;
 
+    std::string_view getText() const { return mSegmentText != nullptr ? *mSegmentText : mShownText; }
     double getAdvance() const { return mExtent.mAdvance * static_cast<double>(mSize); }
 };
 
@@ -70,6 +73,8 @@ private:
     void layOutDirectionRun(const SegmentStyle& style, std::size_t start, std::size_t length);
     void shapePieces(StyleFonts& fonts, std::size_t start, std::size_t length, LaidOutRun& run);
     void placeRuns(LaidOutLine& line);
+    /// Puts the run at the end of the line.
+    static void placeRun(LaidOutRun& run, LaidOutLine& line);
     SegmentStyle makeStyle(const TextArea& area, const TextSegment* segment);
     StyleFonts& findFonts(const TextProperties& properties);
     LaidOutRun& addRun(const SegmentStyle& style);

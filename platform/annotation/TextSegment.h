@@ -8,6 +8,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace kt::text {
 
@@ -29,7 +30,7 @@ public:
     void setType(SegmentType type) { mType = type; }
 
     const std::optional<TextProperties>& getProperties() const { return mProperties; }
-    void setProperties(const TextProperties& properties) { mProperties = properties; }
+    void setProperties(TextProperties properties) { mProperties = std::move(properties); }
     void clearProperties() { mProperties.reset(); }
 
 private:

@@ -1,5 +1,6 @@
 #include "platform/annotation/TextSegmentToSvgConverter.h"
 
+#include "platform/annotation/ColorText_p.h"
 #include "platform/annotation/TextLayout_p.h"
 #include "platform/svg/Rect.h"
 #include "platform/svg/Text.h"
@@ -14,22 +15,12 @@ namespace kt::text {
 
 namespace {
 
-std::string toSvgColor(const Wm4::Vector3<unsigned char>& color) {
-    constexpr char sDigits[] = "0123456789ABCDEF";
-    std::string text = "#";
-    for (const unsigned char component : {color.x, color.y, color.z}) {
-        text += sDigits[component >> 4];
-        text += sDigits[component & 15U];
-    }
-    return text;
-}
-
 /// What the run covers in its item's own frame, y down, relative to its position.
 svg::BoundingBox getItemExtent(const LaidOutRun& run) {
     const RunExtent& extent = run.mExtent;
     const auto size = static_cast<double>(run.mSize);
-    const double top = std::max(static_cast<double>(run.mMetrics.mAscent), extent.mInkTop) * size;
-    const double bottom = std::min(-static_cast<double>(run.mMetrics.mDescent), extent.mInkBottom) * size;
+    const double top = std::max(static_cast<double>(run.mMetrics->mAscent), extent.mInkTop) * size;
+    const double bottom = std::min(-static_cast<double>(run.mMetrics->mDescent), extent.mInkBottom) * size;
     const double left = std::min(0.0, extent.mInkLeft) * size;
     const double right = std::max(extent.mAdvance, extent.mInkRight) * size;
     return {{static_cast<float>(left), static_cast<float>(-top)},
@@ -40,7 +31,7 @@ std::shared_ptr<svg::Text> createItem(LaidOutRun& run, double x, double y) {
     // Texts are many; a drawing's are made together and die together.
     auto item = std::allocate_shared<svg::Text>(ktPoolAllocator<svg::Text>());
     const Wm4::Vector2<float> position(static_cast<float>(x), static_cast<float>(y));
-    item->setText(std::move(run.mText));
+    item->setText(run.getText());
     item->setPosition(position);
     item->setFont(run.mProperties->mFontName);
     item->setSize(run.mSize);
@@ -52,7 +43,7 @@ std::shared_ptr<svg::Text> createItem(LaidOutRun& run, double x, double y) {
     item->setGlyphSource(std::move(run.mGlyphs));
     item->setTransform({{1.0F, 0.0F, 0.0F, -1.0F}, {0.0F, 2.0F * position.y}});
     if (run.mHasOwnProperties) {
-        item->setColor(toSvgColor(run.mProperties->mColor));
+        item->setColor(ColorText(run.mProperties->mColor).get());
     }
     return item;
 }

@@ -1,5 +1,6 @@
 #include "platform/annotation/ktCadViewSvgWriter.h"
 
+#include "platform/annotation/ColorText_p.h"
 #include "platform/svg/ComputeEstimatedBoundingBox.h"
 
 #include <algorithm>
@@ -26,16 +27,6 @@ bool isFinite(const Transform& transform) {
 Transform getPlacement(const ktCadAnnotation& annotation) {
     return Transform::makeTranslationRotationScale(toDrawing(annotation.mPosition), annotation.mRotation,
                                                    annotation.mScale);
-}
-
-std::string toColorText(const Wm4::Vector3<unsigned char>& color) {
-    constexpr const char* digits = "0123456789ABCDEF";
-    std::string text = "#";
-    for (const unsigned component : {color.x, color.y, color.z}) {
-        text.push_back(digits[component >> 4U]);
-        text.push_back(digits[component & 15U]);
-    }
-    return text;
 }
 
 void addTree(BoundingBox& box, const svg::Node* node, const Transform& placement) {
@@ -68,10 +59,10 @@ void writeLeaders(svg::SvgWriter& writer, const ktCadAnnotation& annotation) {
     if (annotation.mSegments.empty() && annotation.mShapes.empty()) {
         return;
     }
-    const std::string color = toColorText(annotation.mColor);
+    const ColorText color(annotation.mColor);
     svg::SvgWriter::Group group;
-    group.mColor = color;
-    group.mOutlineColor = color;
+    group.mColor = color.get();
+    group.mOutlineColor = color.get();
     writer.startGroup(group);
     writer.startLines();
     for (const ktCadAnnotation::LineSegment& segment : annotation.mSegments) {

@@ -1,6 +1,7 @@
 #include "platform/svg/ItemInterface.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace kt::svg {
 
@@ -38,7 +39,12 @@ void ItemInterface::setText(ShortText& text, RareText longText, std::string_view
         text.mSize = ShortText::sNone;
         return;
     }
-    std::copy(value.begin(), value.end(), text.mBytes.begin());
+    if (value.size() == text.mBytes.size()) {
+        // "#RRGGBB": a copy without a call.
+        std::memcpy(text.mBytes.data(), value.data(), text.mBytes.size());
+    } else {
+        std::copy(value.begin(), value.end(), text.mBytes.begin());
+    }
     text.mSize = static_cast<std::uint8_t>(value.size());
 }
 

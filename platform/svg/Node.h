@@ -28,6 +28,9 @@ public:
     void prependChild(std::shared_ptr<ItemInterface> item) { mChildren.insert(mChildren.begin(), std::move(item)); }
 
 private:
+    /// Moves the groups that nothing else holds from children to dying, and lets go of the others.
+    static void takeDyingGroups(Children& children, Children& dying);
+
     Children mChildren;
 };
 

@@ -31,14 +31,18 @@ Path& PathBuilder::editPath() {
 
 void PathBuilder::startContour() { mIsContourStarted = false; }
 
-void PathBuilder::appendSegmentListMove(const std::vector<Wm4::Vector2<float>>& points) {
+void PathBuilder::appendSegmentListMove(std::span<const Wm4::Vector2<float>> points) {
+    if (points.empty()) {
+        return;
+    }
+    Path& path = editPath();
+    if (!mIsContourStarted) {
+        path.moveTo(points.front());
+        points = points.subspan(1);
+        mIsContourStarted = true;
+    }
     for (const Wm4::Vector2<float>& point : points) {
-        if (mIsContourStarted) {
-            editPath().lineTo(point);
-        } else {
-            editPath().moveTo(point);
-            mIsContourStarted = true;
-        }
+        path.lineTo(point);
     }
 }
 

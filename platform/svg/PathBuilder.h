@@ -5,8 +5,9 @@
 
 #include "platform/svg/Path.h"
 
+#include <initializer_list>
 #include <memory>
-#include <vector>
+#include <span>
 
 namespace kt::svg {
 
@@ -21,7 +22,10 @@ public:
     /// Begins a new contour.
     void startContour();
     /// Adds points to the contour: a move to the first one of a contour, lines to all others.
-    void appendSegmentListMove(const std::vector<Wm4::Vector2<float>>& points);
+    void appendSegmentListMove(std::span<const Wm4::Vector2<float>> points);
+    void appendSegmentListMove(std::initializer_list<Wm4::Vector2<float>> points) {
+        appendSegmentListMove(std::span(points.begin(), points.size()));
+    }
     /// Ends the contour: closed when keepOpen is false, open when it is true. Contours that collapse to a point stay.
     void endContour(bool keepOpen);
 

@@ -21,14 +21,14 @@ public:
 
     /// Valid UTF-8, in logical order.
     const std::string& getText() const { return mText; }
-    void setText(std::string text) { mText = std::move(text); }
+    void setText(std::string_view text) { mText = text; }
 
     const Wm4::Vector2<float>& getPosition() const { return mPosition; }
     void setPosition(const Wm4::Vector2<float>& position) { mPosition = position; }
 
     /// Family name as the document asks for it.
     const std::string& getFont() const { return mFont; }
-    void setFont(std::string family) { mFont = std::move(family); }
+    void setFont(std::string_view family) { mFont = family; }
 
     /// Font size (the em) in drawing units.
     float getSize() const { return mSize; }
