@@ -9,15 +9,19 @@ ItemInterface::ItemInterface(const ItemInterface& other)
     : mRareAttributes(other.mRareAttributes ? std::make_unique<RareAttributes>(*other.mRareAttributes) : nullptr),
       mColor(other.mColor),
       mOutlineColor(other.mOutlineColor),
+      mName(other.mName),
       mTransform(other.mTransform),
       mStyleOption(other.mStyleOption),
-      mKind(other.mKind) {}
+      mKind(other.mKind),
+      mNameKind(other.mNameKind) {}
 
 ItemInterface& ItemInterface::operator=(const ItemInterface& other) {
     if (this != &other) {
         mRareAttributes = other.mRareAttributes ? std::make_unique<RareAttributes>(*other.mRareAttributes) : nullptr;
         mColor = other.mColor;
         mOutlineColor = other.mOutlineColor;
+        mName = other.mName;
+        mNameKind = other.mNameKind;
         mTransform = other.mTransform;
         mStyleOption = other.mStyleOption;
     }
@@ -33,19 +37,35 @@ ItemInterface::RareAttributes& ItemInterface::editRareAttributes() {
     return *mRareAttributes;
 }
 
-void ItemInterface::setText(ShortText& text, RareText longText, std::string_view value) {
-    if (value.size() > ShortText::sMaxSize) {
-        editRareAttributes().*longText = value;
-        text.mSize = ShortText::sNone;
-        return;
+template <std::uint8_t maxSize>
+bool ItemInterface::ShortText<maxSize>::assign(std::string_view text) {
+    if (text.size() > maxSize) {
+        mSize = sNone;
+        return false;
     }
-    if (value.size() == text.mBytes.size()) {
+    if (text.size() == ShortColor().mBytes.size()) {
         // "#RRGGBB": a copy without a call.
-        std::memcpy(text.mBytes.data(), value.data(), text.mBytes.size());
+        std::memcpy(mBytes.data(), text.data(), ShortColor().mBytes.size());
     } else {
-        std::copy(value.begin(), value.end(), text.mBytes.begin());
+        std::copy(text.begin(), text.end(), mBytes.begin());
     }
-    text.mSize = static_cast<std::uint8_t>(value.size());
+    mSize = static_cast<std::uint8_t>(text.size());
+    return true;
+}
+
+void ItemInterface::setText(ShortColor& color, RareText longColor, std::string_view value) {
+    if (!color.assign(value)) {
+        editRareAttributes().*longColor = value;
+    }
+}
+
+void ItemInterface::setName(NameKind kind, RareText longName, std::string_view value) {
+    if (mName.mSize == ShortName::sNone) {
+        mNameKind = kind;
+    }
+    if (mNameKind != kind || !mName.assign(value)) {
+        editRareAttributes().*longName = value;
+    }
 }
 
 void ItemInterface::translate(const Wm4::Vector2<float>& offset) {

@@ -42,11 +42,11 @@ public:
     }
     void setOutlineColor(std::string_view color) { setText(mOutlineColor, &RareAttributes::mOutlineColor, color); }
 
-    std::optional<std::string_view> getClass() const { return getRareText(&RareAttributes::mClass); }
-    void setClass(std::string_view text) { editRareAttributes().mClass = text; }
+    std::optional<std::string_view> getClass() const { return getName(NameKind::Class, &RareAttributes::mClass); }
+    void setClass(std::string_view text) { setName(NameKind::Class, &RareAttributes::mClass, text); }
 
-    std::optional<std::string_view> getId() const { return getRareText(&RareAttributes::mId); }
-    void setId(std::string_view text) { editRareAttributes().mId = text; }
+    std::optional<std::string_view> getId() const { return getName(NameKind::Id, &RareAttributes::mId); }
+    void setId(std::string_view text) { setName(NameKind::Id, &RareAttributes::mId, text); }
 
     const std::optional<int>& getStyleOption() const { return mStyleOption; }
     void setStyleOption(int option) { mStyleOption = option; }
@@ -66,41 +66,53 @@ protected:
 private:
     /// What few items have stands apart, so that the many stay small.
     struct RareAttributes {
-        std::optional<std::string> mColor;  ///< colours that are too long for a ShortText
+        std::optional<std::string> mColor;  ///< texts that find no room in a ShortText
         std::optional<std::string> mOutlineColor;
         std::optional<std::string> mClass;
         std::optional<std::string> mId;
     };
     using RareText = std::optional<std::string> RareAttributes::*;
 
-    /// A text of up to seven bytes, such as "#RRGGBB", or none.
+    /// A text of a few bytes, or none.
+    template <std::uint8_t maxSize>
     struct ShortText {
-        static constexpr std::size_t sMaxSize = 7;
         static constexpr std::uint8_t sNone = 0xFF;
 
-        std::array<char, sMaxSize> mBytes{};
+        bool assign(std::string_view text);
+        std::string_view get() const { return {mBytes.data(), mSize}; }
+
+        std::array<char, maxSize> mBytes{};
         std::uint8_t mSize = sNone;
     };
+    using ShortColor = ShortText<7>;  ///< "#RRGGBB"
+    using ShortName = ShortText<15>;
+
+    /// What an item's short name is: hardly any item has both an id and a class.
+    enum class NameKind : std::uint8_t { Id, Class };
 
     std::optional<std::string_view> getRareText(RareText member) const {
         return mRareAttributes && (*mRareAttributes).*member
                    ? std::optional<std::string_view>(*((*mRareAttributes).*member))
                    : std::nullopt;
     }
-    std::optional<std::string_view> getText(const ShortText& text, RareText longText) const {
-        return text.mSize != ShortText::sNone
-                   ? std::optional<std::string_view>(std::in_place, text.mBytes.data(), text.mSize)
-                   : getRareText(longText);
+    std::optional<std::string_view> getText(const ShortColor& color, RareText longColor) const {
+        return color.mSize != ShortColor::sNone ? color.get() : getRareText(longColor);
     }
-    void setText(ShortText& text, RareText longText, std::string_view value);
+    std::optional<std::string_view> getName(NameKind kind, RareText longName) const {
+        return mNameKind == kind && mName.mSize != ShortName::sNone ? mName.get() : getRareText(longName);
+    }
+    void setText(ShortColor& color, RareText longColor, std::string_view value);
+    void setName(NameKind kind, RareText longName, std::string_view value);
     RareAttributes& editRareAttributes();
 
     std::unique_ptr<RareAttributes> mRareAttributes;
-    ShortText mColor;
-    ShortText mOutlineColor;
+    ShortColor mColor;
+    ShortColor mOutlineColor;
+    ShortName mName;
     std::optional<Transform> mTransform;
     std::optional<int> mStyleOption;
     Kind mKind;
+    NameKind mNameKind = NameKind::Id;
 };
 
 }  // namespace kt::svg

@@ -4,9 +4,9 @@
 /// Group of items.
 
 #include "platform/svg/ItemInterface.h"
+#include "platform/svg/SmallVector.h"
 
 #include <memory>
-#include <vector>
 
 namespace kt::svg {
 
@@ -14,7 +14,7 @@ namespace kt::svg {
 /// never null. Copying a group shares its children. Destroying a tree of any depth needs constant stack.
 class KT_SVG_API Node final : public ItemInterface {
 public:
-    using Children = std::vector<std::shared_ptr<ItemInterface>>;
+    using Children = SmallVector<std::shared_ptr<ItemInterface>, 4>;
 
     Node() : ItemInterface(Kind::Node) {}
     Node(const Node&) = default;

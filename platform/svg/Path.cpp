@@ -1,15 +1,12 @@
 #include "platform/svg/Path.h"
 
+#include <array>
+
 namespace kt::svg {
 
 Path::~Path() = default;
 
 void Path::moveTo(const Wm4::Vector2<float>& point) {
-    if (mCommands.empty()) {
-        // Room for what most paths are: a few corners.
-        mCommands.reserve(8);
-        mPoints.reserve(4);
-    }
     mCommands.push_back(Command::Move);
     mPoints.push_back(point);
 }
@@ -22,14 +19,14 @@ void Path::lineTo(const Wm4::Vector2<float>& point) {
 void Path::cubicTo(const Wm4::Vector2<float>& control1, const Wm4::Vector2<float>& control2,
                    const Wm4::Vector2<float>& end) {
     mCommands.push_back(Command::Cubic);
-    mPoints.insert(mPoints.end(), {control1, control2, end});
+    mPoints.append(std::array{control1, control2, end});
 }
 
 void Path::arcTo(const Wm4::Vector2<float>& radii, float rotation, bool isLarge, bool isSweep,
                  const Wm4::Vector2<float>& end) {
     const float flags = (isLarge ? 1.0F : 0.0F) + (isSweep ? 2.0F : 0.0F);
     mCommands.push_back(Command::Arc);
-    mPoints.insert(mPoints.end(), {radii, {rotation, flags}, end});
+    mPoints.append(std::array{radii, Wm4::Vector2<float>(rotation, flags), end});
 }
 
 void Path::close() { mCommands.push_back(Command::Close); }

@@ -4,8 +4,7 @@
 /// Outline of lines, curves and elliptic arcs.
 
 #include "platform/svg/ItemInterface.h"
-
-#include <vector>
+#include "platform/svg/SmallVector.h"
 
 namespace kt::svg {
 
@@ -21,6 +20,10 @@ public:
         Close,  ///< none
     };
 
+    // Room for what most paths are: a few corners, or a circle.
+    using Commands = SmallVector<Command, 8>;
+    using Points = SmallVector<Wm4::Vector2<float>, 7>;
+
     Path() : ItemInterface(Kind::Path) {}
     ~Path() override;
 
@@ -28,8 +31,8 @@ public:
         return command == Command::Close ? 0 : (command == Command::Move || command == Command::Line ? 1 : 3);
     }
 
-    const std::vector<Command>& getCommands() const { return mCommands; }
-    const std::vector<Wm4::Vector2<float>>& getPoints() const { return mPoints; }
+    const Commands& getCommands() const { return mCommands; }
+    const Points& getPoints() const { return mPoints; }
     bool isEmpty() const { return mCommands.empty(); }
 
     void moveTo(const Wm4::Vector2<float>& point);
@@ -42,8 +45,8 @@ public:
     void close();
 
 private:
-    std::vector<Command> mCommands;
-    std::vector<Wm4::Vector2<float>> mPoints;
+    Commands mCommands;
+    Points mPoints;
 };
 
 }  // namespace kt::svg
