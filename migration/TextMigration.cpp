@@ -39,13 +39,14 @@ bool isBlank(const LegacySegment& segment) {
 
 /// Converts the segments that are not blank.
 void convertLine(const ktAnnotationText::Line& legacyLine, TextArea::Line& line) {
-    line.clear();
-    line.reserve(legacyLine.size());
+    std::size_t count = 0;
     for (const LegacySegment& legacy : legacyLine) {
         if (isBlank(legacy)) {
             continue;
         }
-        kt::text::TextSegment& segment = line.emplace_back();
+        kt::text::TextSegment& segment = count < line.size() ? line[count] : line.emplace_back();
+        ++count;
+        segment.clearProperties();
         if (legacy.mProperties != nullptr) {
             kt::text::TextProperties properties;
             convertProperties(*legacy.mProperties, properties);
@@ -54,6 +55,7 @@ void convertLine(const ktAnnotationText::Line& legacyLine, TextArea::Line& line)
         segment.setType(convertType(legacy.mType));
         segment.setText(legacy.getText(), legacy.mLength);
     }
+    line.resize(count);
 }
 
 /// Lines without content are dropped, also between others; a text without any becomes one blank.

@@ -173,7 +173,8 @@ ktAnnotationMigration::ktAnnotationMigration(int flags, RasterCallback rasterCal
       mRasterCallback(rasterCallback),
       mRasterUserData(rasterUserData),
       mScale(scale),
-      mTextWork(std::make_unique<TextWork>()) {}
+      mTextWork(std::make_unique<TextWork>()),
+      mSparePath(std::make_unique<Path>()) {}
 
 ktAnnotationMigration::~ktAnnotationMigration() = default;
 
@@ -231,19 +232,22 @@ bool ktAnnotationMigration::createAnnotationFrame(const ktAnnotationInterface* a
     if (annotation == nullptr) {
         return false;
     }
-    std::vector<OpenAnnotation> path;
-    if (!convertTree(*annotation, path)) {
-        for (; !path.empty(); path.pop_back()) {
-            migration::logFailure() << "Fail to migrate sub annotation of '" << path.back().mLegacy->GetName() << "'";
-        }
-        return false;
+    // A path of its own for each call: a callback may migrate something else with this object.
+    Path path = std::move(*mSparePath);
+    const bool isGood = convertTree(*annotation, path);
+    if (isGood) {
+        box = path.front().mOutline;
+        result = std::move(path.front().mCreated);
+        path.pop_back();
     }
-    box = path.front().mOutline;
-    result = std::move(path.front().mCreated);
-    return true;
+    for (; !path.empty(); path.pop_back()) {
+        migration::logFailure() << "Fail to migrate sub annotation of '" << path.back().mLegacy->GetName() << "'";
+    }
+    *mSparePath = std::move(path);
+    return isGood;
 }
 
-bool ktAnnotationMigration::convertTree(const ktAnnotationInterface& annotation, std::vector<OpenAnnotation>& path) {
+bool ktAnnotationMigration::convertTree(const ktAnnotationInterface& annotation, Path& path) {
     path.emplace_back(annotation);
     bool isGood = convertOwnContent(path.back());
     while (isGood) {

@@ -77,13 +77,14 @@ public:
 
 private:
     struct OpenAnnotation;
+    using Path = std::vector<OpenAnnotation>;
     struct TextWork;
 
     bool convertView(const ktAnnotationView& view, kt::ktCadAnnotationView& result);
     /// Converts an annotation and its sub-annotations. Walks the tree without recursion, because its depth is the
     /// caller's choice and the stack is not.
     /// @param path  empty; receives the annotation alone on success, on failure the ancestors of the one that failed.
-    bool convertTree(const ktAnnotationInterface& annotation, std::vector<OpenAnnotation>& path);
+    bool convertTree(const ktAnnotationInterface& annotation, Path& path);
     /// Converts everything but the sub-annotations.
     bool convertOwnContent(OpenAnnotation& annotation);
     bool convertByType(const ktAnnotationInterface& legacy, kt::svg::Node& root,
@@ -105,6 +106,7 @@ private:
     void* mRasterUserData;
     float mScale;
     std::unique_ptr<TextWork> mTextWork;
+    std::unique_ptr<Path> mSparePath;  ///< empty; its memory serves annotation after annotation
 };
 
 }  // namespace ktLegacy
