@@ -31,9 +31,10 @@ public:
 
     std::string paint() override {
         std::string file;
-        cairo_surface_t* surface = cairo_svg_surface_create_for_stream(append, &file, 1200.0, 1200.0);
+        cairo_surface_t* surface = cairo_svg_surface_create_for_stream(
+            append, &file, mDrawing.mHigh.x - mDrawing.mLow.x, mDrawing.mHigh.y - mDrawing.mLow.y);
         cairo_t* context = cairo_create(surface);
-        cairo_translate(context, 100.0, 1100.0);
+        cairo_translate(context, -mDrawing.mLow.x, -mDrawing.mLow.y);
         cairo_set_line_width(context, 0.25);
         for (const FlatDrawing::Outline& line : mDrawing.mLines) {
             draw(context, line);

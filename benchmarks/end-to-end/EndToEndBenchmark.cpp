@@ -150,8 +150,9 @@ void compare(Chain& chain, const std::string& document) {
             contestant.takeTurn();
         }
     }
-    std::printf("%zu annotations (%zu texts, %zu outlines, %zu lines), %zu bytes of JSON, %zu rounds\n", annotationCount,
-                drawing.mTexts.size(), drawing.mOutlines.size(), drawing.mLines.size(), document.size(), rounds);
+    std::printf("%zu annotations (%zu texts, %zu outlines, %zu lines), %zu bytes of JSON, %zu rounds\n",
+                annotationCount, drawing.mTexts.size(), drawing.mOutlines.size(), drawing.mLines.size(),
+                document.size(), rounds);
     const double own = contestants.front().getMedian();
     for (Contestant& contestant : contestants) {
         std::printf("  %-21s %9.3f ms  %8.2f us per annotation  ratio %7.2f  %9zu bytes of SVG\n", contestant.mName,
@@ -166,7 +167,8 @@ void profileChain(Chain& chain, const std::string& document, int runs) {
     for (int run = 0; run < runs; ++run) {
         chain.draw(document);
     }
-    std::printf("%.2f us per annotation\n", (getProcessorTime() - begin) * 1e6 / static_cast<double>(annotationCount) / runs);
+    std::printf("%.2f us per annotation\n",
+                (getProcessorTime() - begin) * 1e6 / static_cast<double>(annotationCount) / runs);
 }
 
 }  // namespace

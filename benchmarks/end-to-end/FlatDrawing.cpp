@@ -4,7 +4,9 @@
 #include "platform/svg/Rect.h"
 #include "platform/svg/Text.h"
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace ktBenchmark {
 
@@ -79,6 +81,28 @@ private:
     FlatDrawing& mDrawing;
 };
 
+void setExtent(FlatDrawing& drawing) {
+    constexpr double limit = std::numeric_limits<double>::max();
+    // Texts are a little wider and higher than where they start.
+    constexpr double margin = 100.0;
+    FlatDrawing::Point low{limit, limit};
+    FlatDrawing::Point high{-limit, -limit};
+    const auto add = [&](const FlatDrawing::Point& point) {
+        low = {std::min(low.x, point.x), std::min(low.y, point.y)};
+        high = {std::max(high.x, point.x), std::max(high.y, point.y)};
+    };
+    for (const auto* outlines : {&drawing.mLines, &drawing.mOutlines}) {
+        for (const FlatDrawing::Outline& outline : *outlines) {
+            std::for_each(outline.mPoints.begin(), outline.mPoints.end(), add);
+        }
+    }
+    for (const FlatDrawing::TextRun& text : drawing.mTexts) {
+        add(text.mPosition);
+    }
+    drawing.mLow = {low.x - margin, low.y - margin};
+    drawing.mHigh = {high.x + margin, high.y + margin};
+}
+
 }  // namespace
 
 FlatDrawing flatten(const kt::ktCadAnnotationView& view) {
@@ -97,6 +121,7 @@ FlatDrawing flatten(const kt::ktCadAnnotationView& view) {
         flattener.addItem(*annotation->mRoot, sFlip * Transform::makeTranslationRotationScale(
                                                           position, annotation->mRotation, annotation->mScale));
     }
+    setExtent(drawing);
     return drawing;
 }
 

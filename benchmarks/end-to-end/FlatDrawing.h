@@ -31,6 +31,10 @@ struct FlatDrawing {
     std::vector<Outline> mLines;     ///< leaders
     std::vector<Outline> mOutlines;  ///< heads and frames
     std::vector<TextRun> mTexts;
+
+    // What must be shown: what lies outside of their page some painters leave out.
+    Point mLow;
+    Point mHigh;
 };
 
 /// All that the view shows but pictures; curves become their chords.

@@ -20,7 +20,10 @@ constexpr double sUnit = 100.0;
 class QtPainter : public Painter {
 public:
     QtPainter(const FlatDrawing& drawing, TextWork work)
-        : mWork(work), mLines(convert(drawing.mLines)), mOutlines(convert(drawing.mOutlines)) {
+        : mWork(work),
+          mPage(QPointF(drawing.mLow.x, drawing.mLow.y) * sUnit, QPointF(drawing.mHigh.x, drawing.mHigh.y) * sUnit),
+          mLines(convert(drawing.mLines)),
+          mOutlines(convert(drawing.mOutlines)) {
         for (const FlatDrawing::TextRun& run : drawing.mTexts) {
             const int size = static_cast<int>(run.mSize * sUnit);
             const auto [entry, isNew] = mFonts.try_emplace({run.mFont, size});
@@ -39,7 +42,7 @@ public:
         buffer.open(QIODevice::WriteOnly);
         QSvgGenerator generator;
         generator.setOutputDevice(&buffer);
-        generator.setViewBox(QRectF(-10'000.0, -110'000.0, 120'000.0, 120'000.0));
+        generator.setViewBox(mPage);
         QPainter painter(&generator);
         QPen pen(Qt::black);
         pen.setWidthF(0.25 * sUnit);
@@ -96,6 +99,7 @@ private:
     }
 
     TextWork mWork;
+    QRectF mPage;
     Outlines mLines;
     Outlines mOutlines;
     std::map<std::pair<std::string, int>, std::unique_ptr<Font>> mFonts;
