@@ -11,6 +11,7 @@
 #include <memory>
 #include <new>
 #include <span>
+#include <stdexcept>
 #include <type_traits>
 #include <utility>
 
@@ -64,6 +65,13 @@ public:
     const_iterator end() const { return mElements + mSize; }
     T& operator[](std::size_t index) { return mElements[index]; }
     const T& operator[](std::size_t index) const { return mElements[index]; }
+    /// Throws std::out_of_range where there is no element.
+    const T& at(std::size_t index) const {
+        if (index >= mSize) {
+            throw std::out_of_range("SmallVector::at");
+        }
+        return mElements[index];
+    }
     T& front() { return mElements[0]; }
     const T& front() const { return mElements[0]; }
     T& back() { return mElements[mSize - 1]; }
