@@ -7,9 +7,9 @@
 ///     EndToEndBenchmark [DOCUMENT...]
 ///     EndToEndBenchmark --chain RUNS [DOCUMENT]
 ///
-/// Without documents it makes some of 100, 1,000 and 10,000 annotations with many texts each. Of documents with several
-/// views the libraries draw the last one only, so give such with one. --chain runs the chain alone, so many times, for
-/// a profiler.
+/// Without documents it makes some of 100, 1,000 and 10,000 annotations, callouts first, then tables. Of documents with
+/// several views the libraries draw the last one only, so give such with one. --chain runs the chain alone, so many
+/// times, for a profiler.
 
 #include "benchmarks/end-to-end/FlatDrawing.h"
 #include "benchmarks/end-to-end/Painter.h"
@@ -33,6 +33,7 @@
 namespace {
 
 using ktBenchmark::Painter;
+using ktBenchmark::SampleContent;
 using ktBenchmark::TextWork;
 
 constexpr float sHeadSize = 3.0F;
@@ -178,7 +179,7 @@ int main(int argc, char** argv) {
     {
         Chain chain;
         if (argc > 2 && std::string(argv[1]) == "--chain") {
-            profileChain(chain, argc > 3 ? readFile(argv[3]) : ktBenchmark::makeSampleDocument(1000, 1),
+            profileChain(chain, argc > 3 ? readFile(argv[3]) : makeSampleDocument(SampleContent::Callouts, 1000, 1),
                          std::atoi(argv[2]));
         } else {
 #ifdef KT_BENCHMARK_HAS_QT
@@ -187,8 +188,10 @@ int main(int argc, char** argv) {
             if (argc > 1) {
                 std::for_each(argv + 1, argv + argc, [&](const char* path) { compare(chain, readFile(path)); });
             } else {
-                for (const int annotationCount : {100, 1000, 10'000}) {
-                    compare(chain, ktBenchmark::makeSampleDocument(annotationCount, 1));
+                for (const SampleContent content : {SampleContent::Callouts, SampleContent::Tables}) {
+                    for (const int annotationCount : {100, 1000, 10'000}) {
+                        compare(chain, ktBenchmark::makeSampleDocument(content, annotationCount, 1));
+                    }
                 }
             }
         }

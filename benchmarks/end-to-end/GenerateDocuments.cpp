@@ -16,7 +16,8 @@ int main(int argc, char** argv) {
     std::filesystem::create_directories(folder);
     for (int index = 0; index < std::atoi(argv[2]); ++index) {
         std::ofstream file(folder / (std::to_string(index) + ".json"), std::ios::binary);
-        if (!(file << ktBenchmark::makeSampleDocument(std::atoi(argv[3]), index) << std::flush)) {
+        if (!(file << ktBenchmark::makeSampleDocument(ktBenchmark::SampleContent::Callouts, std::atoi(argv[3]), index)
+                   << std::flush)) {
             std::cerr << "cannot write to " << folder << '\n';
             return 1;
         }
