@@ -43,6 +43,7 @@ TEST(Picture, IsToldByItsContent) {
         {"data:image/png;base64,", ""},
         {"data:image/png;base64,R0lGODlh\"onload=\"x", ""},
         {"data:image/png;base64,iVBORw0K=GgoA", ""},
+        {"data:image/gif;base64,R0lGODlhA", ""},
         {"data:image/png;base64,PHN2Zz48L3N2Zz4=", ""},
         {"data:image/svg+xml,<svg/>", ""},
         {"<svg xmlns=\"http://www.w3.org/2000/svg\"/>", ""},

@@ -235,7 +235,7 @@ TEST(SvgWriter, WritesOnlyColoursAsColours) {
 
 TEST(SvgWriter, WritesNamesOnceAndKeepsGlyphIds) {
     Node root;
-    for (const char* id : {"a<b", "a<b", "g7"}) {
+    for (const char* id : {"longer than a<b", "much longer than a<b", "much longer than a<b", "g7"}) {
         auto rect = makeRect({1, 2}, {3, 4});
         rect->setId(id);
         rect->setClass("border \"x\"");
@@ -244,9 +244,10 @@ TEST(SvgWriter, WritesNamesOnceAndKeepsGlyphIds) {
     }
     const std::string rest = " vector-effect=non-scaling-stroke width=3 x=1 y=2\n";
     EXPECT_EQ(Written(root, SvgWriter::TextMode::Outlines).describe(),
-              "rect class=border \"x\" height=4 id=a<b" + rest + "rect class=border \"x\" height=4" + rest +
-                  "rect class=border \"x\" height=4" + rest);
-    EXPECT_EQ(test::findElements(Written(root).mElements, "rect")[2].getAttribute("id"), "g7");
+              "rect class=border \"x\" height=4 id=longer than a<b" + rest +
+                  "rect class=border \"x\" height=4 id=much longer than a<b" + rest +
+                  "rect class=border \"x\" height=4" + rest + "rect class=border \"x\" height=4" + rest);
+    EXPECT_EQ(test::findElements(Written(root).mElements, "rect")[3].getAttribute("id"), "g7");
 }
 
 TEST(SvgWriter, LeavesOutWhatDrawsNothing) {
@@ -255,8 +256,10 @@ TEST(SvgWriter, LeavesOutWhatDrawsNothing) {
     auto hidden = makeRect({1, 2}, {3, 4});
     hidden->setVisible(false);
     hidden->setId("dummyTxtBB");
-    const Written written(*makeGroup({}, {named, hidden, std::make_shared<Path>(), makeText("")}));
-    EXPECT_EQ(written.describe(), "");
+    const auto sameName = makeRect({1, 2}, {3, 4});
+    sameName->setId("empty");
+    const Written written(*makeGroup({}, {named, hidden, std::make_shared<Path>(), makeText(""), sameName}));
+    EXPECT_EQ(written.describe(), "rect height=4 id=empty width=3 x=1 y=2\n");
     EXPECT_THAT(written.mWarnings, IsEmpty());
 }
 
