@@ -39,7 +39,7 @@ void reorder(const std::vector<LaidOutRun>& runs, std::vector<std::size_t>& orde
     int highest = 0;
     int lowestOdd = std::numeric_limits<std::int8_t>::max();
     for (const std::size_t index : order) {
-        const auto level = static_cast<int>(runs[index].mLevel);
+        const int level = runs[index].mLevel;
         highest = std::max(highest, level);
         lowestOdd = (level & 1) != 0 ? std::min(lowestOdd, level) : lowestOdd;
     }
@@ -60,6 +60,7 @@ bool TextLayout::layOut(const TextArea& area) {
     if (mFonts.size() > sMaxRememberedStyles) {
         mShaper.clear();
         mFonts.clear();
+        mLastFonts = nullptr;
     }
     mLines.clear();
     mRuns.clear();
@@ -156,6 +157,7 @@ bool TextLayout::layOutAnyLine(const TextArea::Line& line, LaidOutLine& laidOut)
 
 void TextLayout::layOutDirectionRun(const SegmentStyle& style, std::size_t start, std::size_t length) {
     LaidOutRun& run = addRun(style);
+    // NOLINTNEXTLINE(bugprone-signed-char-misuse): a number, no character
     run.mLevel = mLevels.mLevels[start];
     run.mShownText = toUtf8(std::u32string_view(mCharacters).substr(start, length));
     shapePieces(*style.mFonts, start, length, run);
@@ -238,16 +240,26 @@ TextLayout::SegmentStyle TextLayout::makeStyle(const TextArea& area, const TextS
 
 StyleFonts& TextLayout::findFonts(const TextProperties& properties) {
     const unsigned styleBits = properties.mStyle & (TextProperties::sBold | TextProperties::sItalic);
-    mFontsKey.assign(properties.mFontName);
-    mFontsKey.push_back(static_cast<char>('0' + styleBits));
-    if (const auto known = mFonts.find(mFontsKey); known != mFonts.end()) {
-        return *known->second;
+    const char styleCharacter = static_cast<char>('0' + styleBits);
+    const std::string& name = properties.mFontName;
+    // Most texts of a drawing are of one style.
+    if (mLastFonts != nullptr && mFontsKey.size() == name.size() + 1 && mFontsKey.back() == styleCharacter &&
+        mFontsKey.starts_with(name)) {
+        return *mLastFonts;
     }
-    if (mFonts.size() >= sMaxStyles) {
-        return *mDefaultFonts;
+    mFontsKey.assign(name);
+    mFontsKey.push_back(styleCharacter);
+    mLastFonts = nullptr;
+    auto known = mFonts.find(mFontsKey);
+    if (known == mFonts.end()) {
+        if (mFonts.size() >= sMaxStyles) {
+            return *mDefaultFonts;
+        }
+        auto fonts = std::make_unique<StyleFonts>(FontCatalog::getInstance().getStack(name, styleBits));
+        known = mFonts.emplace(mFontsKey, std::move(fonts)).first;
     }
-    auto fonts = std::make_unique<StyleFonts>(FontCatalog::getInstance().getStack(properties.mFontName, styleBits));
-    return *mFonts.emplace(mFontsKey, std::move(fonts)).first->second;
+    mLastFonts = known->second.get();
+    return *mLastFonts;
 }
 
 LaidOutRun& TextLayout::addRun(const SegmentStyle& style) {

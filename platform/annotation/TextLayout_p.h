@@ -23,7 +23,7 @@ struct LaidOutRun {
     bool mHasOwnProperties = false;
     const std::string* mSegmentText = nullptr;  ///< the text, when it is the whole of its segment's
     std::string mShownText;                     ///< else the text
-    std::int8_t mLevel = 0;
+    int mLevel = 0;                             ///< of nesting directions, odd from right to left
     float mSize = 0.0F;
     double mX = 0.0;      ///< left edge, from the line's left edge
     double mShift = 0.0;  ///< base line above the line's
@@ -80,7 +80,8 @@ private:
     LaidOutRun& addRun(const SegmentStyle& style);
 
     std::unordered_map<std::string, std::unique_ptr<StyleFonts>> mFonts;
-    std::string mFontsKey;
+    std::string mFontsKey;                ///< of the fonts found last
+    StyleFonts* mLastFonts = nullptr;     ///< null: none since the fonts were forgotten
     StyleFonts* mDefaultFonts = nullptr;  ///< of the area at work
     RunShaper mShaper;
 

@@ -13,7 +13,7 @@ constexpr double sTurn = 2.0 * Wm4::Mathd::PI;
 /// An angle this near to an end of the arc counts as on it, so that rounding never loses an extreme point.
 constexpr double sAngleTolerance = 1e-9;
 /// Rounding of end points, relative to the largest coordinate.
-constexpr double sEndPointRounding = static_cast<double>(std::numeric_limits<float>::epsilon());
+constexpr auto sEndPointRounding = static_cast<double>(std::numeric_limits<float>::epsilon());
 
 }  // namespace
 
@@ -22,10 +22,10 @@ EllipticArc EllipticArc::fromEndPoints(const Wm4::Vector2<float>& start, const W
     EllipticArc arc;
     const bool isLarge = flags == 1.0F || flags == 3.0F;
     const bool isSweep = flags >= 2.0F;
-    const double x0 = static_cast<double>(start.x);
-    const double y0 = static_cast<double>(start.y);
-    const double x1 = static_cast<double>(end.x);
-    const double y1 = static_cast<double>(end.y);
+    const auto x0 = static_cast<double>(start.x);
+    const auto y0 = static_cast<double>(start.y);
+    const auto x1 = static_cast<double>(end.x);
+    const auto y1 = static_cast<double>(end.y);
     double radiusX = std::abs(static_cast<double>(radii.x));
     double radiusY = std::abs(static_cast<double>(radii.y));
     const bool isFinite = std::isfinite(x0 + y0 + x1 + y1 + radiusX + radiusY + static_cast<double>(rotation));

@@ -1,8 +1,5 @@
 #include "platform/svg/ItemInterface.h"
 
-#include <algorithm>
-#include <cstring>
-
 namespace kt::svg {
 
 ItemInterface::ItemInterface(const ItemInterface& other)
@@ -35,28 +32,6 @@ ItemInterface::RareAttributes& ItemInterface::editRareAttributes() {
         mRareAttributes = std::make_unique<RareAttributes>();
     }
     return *mRareAttributes;
-}
-
-template <std::uint8_t maxSize>
-bool ItemInterface::ShortText<maxSize>::assign(std::string_view text) {
-    if (text.size() > maxSize) {
-        mSize = sNone;
-        return false;
-    }
-    if (text.size() == ShortColor().mBytes.size()) {
-        // "#RRGGBB": a copy without a call.
-        std::memcpy(mBytes.data(), text.data(), ShortColor().mBytes.size());
-    } else {
-        std::copy(text.begin(), text.end(), mBytes.begin());
-    }
-    mSize = static_cast<std::uint8_t>(text.size());
-    return true;
-}
-
-void ItemInterface::setText(ShortColor& color, RareText longColor, std::string_view value) {
-    if (!color.assign(value)) {
-        editRareAttributes().*longColor = value;
-    }
 }
 
 void ItemInterface::setName(NameKind kind, RareText longName, std::string_view value) {

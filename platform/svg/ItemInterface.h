@@ -6,9 +6,11 @@
 #include "platform/svg/Transform.h"
 #include "platform/svg/ktSvgExport.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <optional>
 #include <string>
@@ -73,18 +75,33 @@ private:
     };
     using RareText = std::optional<std::string> RareAttributes::*;
 
+    static constexpr std::size_t sColorSize = 7;  ///< "#RRGGBB"
+
     /// A text of a few bytes, or none.
-    template <std::uint8_t maxSize>
+    template <std::size_t maxSize>
     struct ShortText {
         static constexpr std::uint8_t sNone = 0xFF;
 
-        bool assign(std::string_view text);
+        /// False, and there is none then, when the text is too long.
+        bool assign(std::string_view text) {
+            if (text.size() > maxSize) {
+                mSize = sNone;
+                return false;
+            }
+            if (text.size() == sColorSize) {
+                std::memcpy(mBytes.data(), text.data(), sColorSize);  // of a known size: without a call
+            } else {
+                std::copy(text.begin(), text.end(), mBytes.begin());
+            }
+            mSize = static_cast<std::uint8_t>(text.size());
+            return true;
+        }
         std::string_view get() const { return {mBytes.data(), mSize}; }
 
         std::array<char, maxSize> mBytes{};
         std::uint8_t mSize = sNone;
     };
-    using ShortColor = ShortText<7>;  ///< "#RRGGBB"
+    using ShortColor = ShortText<sColorSize>;
     using ShortName = ShortText<15>;
 
     /// What an item's short name is: hardly any item has both an id and a class.
@@ -101,7 +118,11 @@ private:
     std::optional<std::string_view> getName(NameKind kind, RareText longName) const {
         return mNameKind == kind && mName.mSize != ShortName::sNone ? mName.get() : getRareText(longName);
     }
-    void setText(ShortColor& color, RareText longColor, std::string_view value);
+    void setText(ShortColor& color, RareText longColor, std::string_view value) {
+        if (!color.assign(value)) {
+            editRareAttributes().*longColor = value;
+        }
+    }
     void setName(NameKind kind, RareText longName, std::string_view value);
     RareAttributes& editRareAttributes();
 

@@ -10,7 +10,7 @@ namespace kt::svg {
 namespace {
 
 /// Room for a command with its six numbers.
-constexpr std::size_t sCommandSize = 7 * (sMaxNumberLength + 1);
+constexpr std::size_t sCommandSize = std::size_t{7} * (sMaxNumberLength + 1);
 
 /// Radii of half a turn are written this much smaller, and with so many decimals more that they keep their ratio.
 constexpr double sHalfTurnFactor = 0.99;

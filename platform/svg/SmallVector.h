@@ -17,6 +17,8 @@
 
 namespace kt::svg {
 
+// NOLINTBEGIN(cppcoreguidelines-pro-type-member-init): the room is filled element by element
+
 /// The part of std::vector that items of drawings need, with room for inlineCapacity elements inside the object: most
 /// groups have a few children, most paths a few points. Pointers to elements stay valid until it grows beyond its
 /// capacity, is moved or is destroyed. It holds fewer than 2^32 elements; one more throws std::bad_alloc.
@@ -159,5 +161,7 @@ private:
     // NOLINTNEXTLINE(modernize-avoid-c-arrays,cppcoreguidelines-avoid-c-arrays): it holds elements, not bytes
     alignas(T) std::byte mRoom[inlineCapacity * sizeof(T)];
 };
+
+// NOLINTEND(cppcoreguidelines-pro-type-member-init)
 
 }  // namespace kt::svg

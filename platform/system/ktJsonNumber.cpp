@@ -15,7 +15,7 @@ bool isDigit(const char* position, const char* end) { return position != end && 
 
 /// The parts of a number as they are met.
 struct Decimal {
-    const char* mBegin;
+    const char* mBegin = nullptr;
     bool mIsNegative = false;
     bool mIsInteger = true;
     std::uint64_t mDigits = 0;     ///< all digits without the dot, as long as they fit

@@ -132,7 +132,7 @@ bool ktMappedFile::open(int descriptor, std::string& error) {
         return failWithErrno(error);
     }
     Pages pages;
-    std::size_t size = static_cast<std::size_t>(status.st_size);
+    auto size = static_cast<std::size_t>(status.st_size);
     // Some special files say that they are empty.
     const bool isMappable = S_ISREG(status.st_mode) && size != 0;
     if (isMappable ? !mapFile(descriptor, size, pages) : !readFile(descriptor, pages, size)) {

@@ -143,6 +143,7 @@ private:
                        "unknown type name " + quote(head.mTypeName) + "; the object is skipped");
             return {Fate::Unknown, 0};
         }
+        // NOLINTNEXTLINE(clang-analyzer-deadcode.DeadStores): read where the object is lost
         const std::size_t linkCount = mStream.editPendingLinks().size();
         mStream.confine(head.mBodyOffset, mOffset);
         try {
