@@ -45,6 +45,9 @@ public:
     kt::ktPointer<kt::ktCadAnnotationView> migrate(const std::string& document) {
         kt::ktPointer<kt::ktCadAnnotationView> migrated;
         run(document, [&migrated](const kt::ktPointer<kt::ktCadAnnotationView>& view) { migrated = view; });
+        if (migrated == nullptr || migrated->mAnnotations.empty()) {
+            fail("the document ends without a view that has annotations");
+        }
         return migrated;
     }
 

@@ -64,8 +64,7 @@ bool StyleFonts::measureSimple(std::string_view text, RunExtent& extent) {
             pen = 0;
         }
         const AdvanceTable::Glyph& glyph = table->getGlyph(slot.mIndex);
-        const auto x = static_cast<double>(pen);
-        ink.addBox({glyph.mInk.mLeft + x, glyph.mInk.mBottom, glyph.mInk.mRight + x, glyph.mInk.mTop});
+        ink.addBox(glyph.mInk.makeMoved(static_cast<double>(pen), 0.0));
         pen += glyph.mAdvance;
         last = slot;
     }
