@@ -40,3 +40,15 @@ function(kt_add_layer target)
             DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/ktAnnotationLegacy/${folder}")
     endforeach()
 endfunction()
+
+# kt_keep_former_header(<target> <former path> <path>): hosts that include a public header by the path it had in an
+# earlier release go on doing so, in the build tree and after installation.
+function(kt_keep_former_header target former path)
+    set(root "${PROJECT_BINARY_DIR}/former-headers")
+    file(CONFIGURE OUTPUT "${root}/${former}" CONTENT
+        "#pragma once\n\n/// @file\n/// Moved: include \"${path}\".\n\n#include \"${path}\"\n" @ONLY)
+    target_include_directories(${target} PUBLIC "$<BUILD_INTERFACE:${root}>")
+    cmake_path(GET former PARENT_PATH folder)
+    install(FILES "${root}/${former}" COMPONENT development
+        DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/ktAnnotationLegacy/${folder}")
+endfunction()

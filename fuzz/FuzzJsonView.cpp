@@ -2,9 +2,9 @@
 /// Variant documents, as the tool reads them: JSON text to views. Contract: nothing worse than a refusal or messages,
 /// and the views are those that the variants of the whole document give.
 
-#include "legacy/ktVariantDocumentReader.h"
+#include "legacy/variant/ktVariantDocumentReader.h"
 #include "library/ktAnnotationLegacyLibrary.h"
-#include "platform/system/ktVariantListImpl.h"
+#include "platform/system/variant/ktVariantListImpl.h"
 #include "tools/ktannot/LegacyDocument.h"
 
 #include <cstddef>

@@ -5,10 +5,10 @@
 #include "library/ktAnnotationLegacyLibrary.h"
 #include "migration/ktAnnotationMigration.h"
 #include "platform/annotation/ktCadViewSvgWriter.h"
-#include "platform/system/ktLog.h"
-#include "tools/ktannot/CadJson.h"
-#include "tools/ktannot/JsonWriter.h"
+#include "platform/system/log/ktLog.h"
 #include "tools/ktannot/LegacyDocument.h"
+#include "tools/ktannot/report/CadJson.h"
+#include "tools/ktannot/report/JsonWriter.h"
 
 #include <expat.h>
 

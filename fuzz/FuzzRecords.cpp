@@ -8,7 +8,7 @@
 #include "legacy/ktAnnotationText.h"
 #include "legacy/ktAnnotationView.h"
 #include "library/ktAnnotationLegacyLibrary.h"
-#include "platform/system/ktBaseStream.h"
+#include "platform/system/stream/ktBaseStream.h"
 
 #include <array>
 #include <cstddef>

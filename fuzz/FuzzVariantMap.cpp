@@ -2,9 +2,9 @@
 /// The stored form of variant maps. Contract: nothing worse than the stream's error flag or the memory budget, and what
 /// was read can be copied, compared and converted.
 
-#include "platform/system/ktBaseStream.h"
-#include "platform/system/ktInstanceMetaData.h"
-#include "platform/system/ktVariant.h"
+#include "platform/system/object/ktInstanceMetaData.h"
+#include "platform/system/stream/ktBaseStream.h"
+#include "platform/system/variant/ktVariant.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,13 +1,13 @@
 #include "legacy/ktAnnotationInterface.h"
 
-#include "legacy/StreamReading_p.h"
-#include "legacy/VariantReading_p.h"
 #include "legacy/ktAnnotationRaster.h"
 #include "legacy/ktAnnotationText.h"
 #include "legacy/ktLegacyVersions.h"
-#include "platform/system/ktBaseStream.h"
-#include "platform/system/ktInstanceMetaData.h"
-#include "platform/system/ktLimits.h"
+#include "legacy/stream/StreamReading_p.h"
+#include "legacy/variant/VariantReading_p.h"
+#include "platform/system/memory/ktLimits.h"
+#include "platform/system/object/ktInstanceMetaData.h"
+#include "platform/system/stream/ktBaseStream.h"
 
 #include <algorithm>
 #include <array>

@@ -3,13 +3,13 @@
 /// @file
 /// Base of every legacy annotation.
 
-#include "library/ktAnnotationLegacyExport.h"
+#include "legacy/ktAnnotationLegacyExport.h"
 #include "math/ktGenericTransformation.h"
-#include "platform/system/ktObject.h"
-#include "platform/system/ktPointer.h"
-#include "platform/system/ktStreamVersion.h"
-#include "platform/system/ktVariant.h"
-#include "platform/system/ktVariantMapImpl.h"
+#include "platform/system/object/ktObject.h"
+#include "platform/system/object/ktPointer.h"
+#include "platform/system/stream/ktStreamVersion.h"
+#include "platform/system/variant/ktVariant.h"
+#include "platform/system/variant/ktVariantMapImpl.h"
 #include "platform/wm4/Wm4Vector3.h"
 
 #include <cstdint>

@@ -1,8 +1,8 @@
 #include "legacy/ktAnnotationMetaData.h"
 
-#include "legacy/StreamReading_p.h"
 #include "legacy/ktLegacyVersions.h"
-#include "platform/system/ktBaseStream.h"
+#include "legacy/stream/StreamReading_p.h"
+#include "platform/system/stream/ktBaseStream.h"
 
 #include <memory>
 

@@ -4,7 +4,7 @@
 /// Metadata item that holds the annotation views of a scene.
 
 #include "legacy/ktAnnotationView.h"
-#include "platform/system/ktMetadataInterface.h"
+#include "platform/system/object/ktMetadataInterface.h"
 
 #include <cstdint>
 #include <string>

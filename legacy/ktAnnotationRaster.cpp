@@ -1,9 +1,9 @@
 #include "legacy/ktAnnotationRaster.h"
 
-#include "legacy/StreamReading_p.h"
-#include "legacy/VariantReading_p.h"
 #include "legacy/ktLegacyVersions.h"
-#include "platform/system/ktBaseStream.h"
+#include "legacy/stream/StreamReading_p.h"
+#include "legacy/variant/VariantReading_p.h"
+#include "platform/system/stream/ktBaseStream.h"
 
 namespace ktLegacy {
 

@@ -4,7 +4,7 @@
 /// Legacy annotation that carries styled text.
 
 #include "legacy/ktAnnotationInterface.h"
-#include "platform/system/ktBlockPool.h"
+#include "platform/system/memory/ktBlockPool.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,12 +1,12 @@
 #include "legacy/ktAnnotationView.h"
 
-#include "legacy/StreamReading_p.h"
-#include "legacy/ViewMapReading_p.h"
 #include "legacy/ktAnnotationRaster.h"
 #include "legacy/ktAnnotationText.h"
 #include "legacy/ktLegacyVersions.h"
-#include "platform/system/ktBaseStream.h"
-#include "platform/system/ktInstanceMetaData.h"
+#include "legacy/stream/StreamReading_p.h"
+#include "legacy/variant/ViewMapReading_p.h"
+#include "platform/system/object/ktInstanceMetaData.h"
+#include "platform/system/stream/ktBaseStream.h"
 
 #include <cstddef>
 #include <memory>

@@ -3,7 +3,7 @@
 /// @file
 /// Versions at which the stored form of legacy annotations changed.
 
-#include "platform/system/ktStreamVersion.h"
+#include "platform/system/stream/ktStreamVersion.h"
 
 namespace ktLegacy::version {
 

@@ -3,7 +3,7 @@
 /// @file
 /// Version of libktAnnotationLegacy.
 
-#include "library/ktAnnotationLegacyExport.h"
+#include "legacy/ktAnnotationLegacyExport.h"
 
 #include <cstdint>
 

@@ -3,11 +3,11 @@
 #include "legacy/ktAnnotationInterface.h"
 #include "legacy/ktAnnotationMetaData.h"
 #include "legacy/ktAnnotationView.h"
-#include "library/ktAnnotationLegacyStatics_p.h"
+#include "legacy/ktLegacyStatics_p.h"
 #include "platform/annotation/ktAnnotationLibrary.h"
 #include "platform/scenegraph/ktSceneGraph.h"
-#include "platform/system/ktRttiInterface.h"
 #include "platform/system/ktSystem.h"
+#include "platform/system/object/ktRttiInterface.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 /// @file
 /// Initialisation of libktAnnotationLegacy.
 
-#include "library/ktAnnotationLegacyExport.h"
+#include "legacy/ktAnnotationLegacyExport.h"
 
 namespace kt {
 

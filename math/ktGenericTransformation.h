@@ -3,7 +3,7 @@
 /// @file
 /// Affine transformation of space with rotation, scale and translation kept apart.
 
-#include "library/ktAnnotationLegacyExport.h"
+#include "legacy/ktAnnotationLegacyExport.h"
 #include "platform/wm4/Wm4Math.h"
 #include "platform/wm4/Wm4Matrix3.h"
 #include "platform/wm4/Wm4Matrix4.h"

@@ -3,8 +3,8 @@
 /// @file
 /// What the sources of the migration share.
 
-#include "platform/system/ktBlockPool.h"
-#include "platform/system/ktLogObject.h"
+#include "platform/system/log/ktLogObject.h"
+#include "platform/system/memory/ktBlockPool.h"
 #include "platform/wm4/Wm4Vector3.h"
 
 #include <cstddef>

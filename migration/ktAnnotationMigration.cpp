@@ -4,7 +4,7 @@
 #include "migration/TextWork_p.h"
 #include "platform/svg/ComputeEstimatedBoundingBox.h"
 #include "platform/svg/Transform.h"
-#include "platform/system/ktVariantMapImpl.h"
+#include "platform/system/variant/ktVariantMapImpl.h"
 
 #include <algorithm>
 #include <array>

@@ -4,15 +4,15 @@
 /// Conversion of legacy views to the current annotation model.
 
 #include "legacy/ktAnnotationInterface.h"
+#include "legacy/ktAnnotationLegacyExport.h"
 #include "legacy/ktAnnotationRaster.h"
 #include "legacy/ktAnnotationText.h"
 #include "legacy/ktAnnotationView.h"
-#include "library/ktAnnotationLegacyExport.h"
 #include "platform/annotation/ktCadAnnotation.h"
 #include "platform/annotation/ktCadAnnotationView.h"
 #include "platform/svg/BoundingBox.h"
 #include "platform/svg/Node.h"
-#include "platform/system/ktPointer.h"
+#include "platform/system/object/ktPointer.h"
 #include "platform/wm4/Wm4Vector2.h"
 #include "platform/wm4/Wm4Vector3.h"
 

@@ -14,7 +14,7 @@
 #include "benchmarks/end-to-end/FlatDrawing.h"
 #include "benchmarks/end-to-end/Painter.h"
 #include "benchmarks/end-to-end/SampleDocument.h"
-#include "legacy/ktVariantDocumentReader.h"
+#include "legacy/variant/ktVariantDocumentReader.h"
 #include "library/ktAnnotationLegacyLibrary.h"
 #include "migration/ktAnnotationMigration.h"
 #include "platform/annotation/ktCadViewSvgWriter.h"

@@ -14,11 +14,11 @@
 #include "benchmarks/loading/PlainLoader.h"
 #include "benchmarks/loading/SampleDocuments.h"
 #include "legacy/ktAnnotationView.h"
-#include "legacy/ktVariantDocumentReader.h"
+#include "legacy/variant/ktVariantDocumentReader.h"
 #include "library/ktAnnotationLegacyLibrary.h"
-#include "platform/system/ktBaseStream.h"
-#include "platform/system/ktLimits.h"
-#include "platform/system/ktVariantJson.h"
+#include "platform/system/json/ktVariantJson.h"
+#include "platform/system/memory/ktLimits.h"
+#include "platform/system/stream/ktBaseStream.h"
 
 #include <malloc.h>
 #include <simdjson.h>

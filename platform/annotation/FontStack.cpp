@@ -1,7 +1,7 @@
 #include "platform/annotation/FontCatalog_p.h"
 #include "platform/annotation/FontStack_p.h"
 #include "platform/annotation/TextProperties.h"
-#include "platform/system/ktLogObject.h"
+#include "platform/system/log/ktLogObject.h"
 
 namespace kt::text {
 

@@ -4,7 +4,7 @@
 #include "platform/annotation/TextLayout_p.h"
 #include "platform/svg/Rect.h"
 #include "platform/svg/Text.h"
-#include "platform/system/ktBlockPool.h"
+#include "platform/system/memory/ktBlockPool.h"
 
 #include <algorithm>
 #include <memory>

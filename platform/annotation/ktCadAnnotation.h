@@ -5,7 +5,7 @@
 
 #include "platform/annotation/ktAnnotationExport.h"
 #include "platform/svg/Node.h"
-#include "platform/system/ktObject.h"
+#include "platform/system/object/ktObject.h"
 #include "platform/wm4/Wm4Vector2.h"
 #include "platform/wm4/Wm4Vector3.h"
 

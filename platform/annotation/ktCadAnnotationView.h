@@ -4,7 +4,7 @@
 /// View of the current model.
 
 #include "platform/annotation/ktCadAnnotation.h"
-#include "platform/system/ktPointer.h"
+#include "platform/system/object/ktPointer.h"
 
 namespace kt {
 

@@ -1,7 +1,7 @@
 #include "platform/system/LibInitCounter.h"
 
-#include "platform/system/ktLog.h"
-#include "platform/system/ktLogObject.h"
+#include "platform/system/log/ktLog.h"
+#include "platform/system/log/ktLogObject.h"
 
 namespace kt::impl {
 

@@ -1,8 +1,8 @@
 #include "platform/system/ktSystem.h"
 
 #include "platform/system/LibInitCounter.h"
-#include "platform/system/ktLog.h"
-#include "platform/system/ktLogObject.h"
+#include "platform/system/log/ktLog.h"
+#include "platform/system/log/ktLogObject.h"
 
 namespace kt {
 

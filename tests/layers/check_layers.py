@@ -9,28 +9,62 @@ import pathlib
 import re
 import sys
 
-LIBRARY = ["library", "legacy", "migration", "math"]
-PLATFORM = ["platform/wm4", "platform/system", "platform/scenegraph", "platform/svg", "platform/annotation"]
+# Which folders each folder may include from, besides itself. A folder's row speaks for the folders below it that have
+# no row of their own; what a row names speaks for itself alone. Rows of one shared library may name each other's
+# private headers.
+SYSTEM = "platform/system"
+SVG, WM4, ENCODING = "platform/svg", "platform/wm4", "platform/encoding"
+OBJECT, STREAM, VARIANT = f"{SYSTEM}/object", f"{SYSTEM}/stream", f"{SYSTEM}/variant"
+JSON, LOG, MEMORY = f"{SYSTEM}/json", f"{SYSTEM}/log", f"{SYSTEM}/memory"
+SYSTEM_ROOMS = [SYSTEM, OBJECT, STREAM, VARIANT, JSON, LOG, MEMORY]
+PLATFORM = [WM4, *SYSTEM_ROOMS, "platform/scenegraph", SVG, "platform/annotation"]
+LEGACY = ["legacy", "legacy/annotation", "legacy/stream", "legacy/variant"]
+LIBRARY = ["library", "migration", "math", *LEGACY]
+TOOL = [f"tools/ktannot{room}" for room in ("/commands", "/batch", "/report", "/files", "/console", "")]
+COMMANDS, BATCH, REPORT, FILES, CONSOLE, _ = TOOL
 
-# Which folders a folder's files may include from, besides its own.
 BELOW = {
-    "platform/wm4": [],
-    "platform/system": ["platform/wm4"],
-    "platform/scenegraph": ["platform/wm4", "platform/system"],
-    "platform/svg": ["platform/wm4"],
-    "platform/annotation": ["platform/wm4", "platform/system", "platform/svg"],
-    **{folder: LIBRARY + PLATFORM for folder in LIBRARY},
-    "tools/ktannot": LIBRARY + PLATFORM,
+    WM4: [],
+    ENCODING: [],
+    SYSTEM: [LOG, MEMORY, OBJECT],
+    MEMORY: [SYSTEM],
+    LOG: [SYSTEM],
+    # Objects load themselves from streams, and streams hand out objects: the model's own circle.
+    OBJECT: [SYSTEM, STREAM, VARIANT, MEMORY, LOG],
+    STREAM: [SYSTEM, OBJECT, MEMORY],
+    VARIANT: [SYSTEM, MEMORY, ENCODING],
+    JSON: [SYSTEM, VARIANT, MEMORY, ENCODING],
+    "platform/scenegraph": [SYSTEM],
+    SVG: [WM4, ENCODING],
+    "platform/annotation": [WM4, SVG, ENCODING, *SYSTEM_ROOMS],
+    "math": PLATFORM,
+    "legacy/stream": PLATFORM,
+    # The document reader makes views and annotations, whose loaders use what stands beside it.
+    "legacy/variant": ["legacy", *PLATFORM],
+    "legacy": ["math", "legacy/stream", "legacy/variant", *PLATFORM],
+    "legacy/annotation": ["legacy"],
+    "migration": ["legacy", *PLATFORM],
+    "library": ["legacy", "migration", *PLATFORM],
+    CONSOLE: [ENCODING],
+    FILES: [ENCODING, "tools/ktannot"],
+    REPORT: [FILES, CONSOLE, "tools/ktannot", ENCODING, *LIBRARY, *PLATFORM],
+    BATCH: [REPORT, FILES, CONSOLE, "tools/ktannot", *LIBRARY, *PLATFORM],
+    COMMANDS: [*TOOL, *LIBRARY, *PLATFORM],
+    "tools/ktannot": [*TOOL, *LIBRARY, *PLATFORM],
 }
-# Folders that make up one layer: they may use each other's private headers.
-SAME_LAYER = [set(LIBRARY)]
+# Folders that make up one shared library or program: they may use each other's private headers.
+TARGETS = [set(SYSTEM_ROOMS), set(LIBRARY), set(TOOL)]
+# The export macro of the library, which all of its folders use.
+COMMON = {"legacy/ktAnnotationLegacyExport.h"}
 
 # Headers beyond the standard library, by folder; public headers may include none of them.
 POSIX = r"unistd\.h|fcntl\.h|syslog\.h|sys/(mman|stat|types)\.h"
 THIRD_PARTY = {
-    "platform/system": rf"simdjson\.h|spdlog/.*|rapidjson/.*|{POSIX}",
+    LOG: r"spdlog/.*|syslog\.h",
+    JSON: r"simdjson\.h|rapidjson/.*",
+    MEMORY: POSIX,
     "platform/annotation": r"hb(-[a-z]+)?\.h|fribidi\.h|fontconfig/.*|ft2build\.h|FT_[A-Z_]+_H",
-    "tools/ktannot": r".*\.(h|hpp)",
+    **{room: r".*\.(h|hpp)" for room in TOOL},
 }
 # No other header that the system holds has such a name.
 STANDARD = re.compile(r"<[a-z_]+>")
@@ -41,7 +75,7 @@ INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*(?:"([^"]+)"|(<[^>]+>|\S+))')
 
 def folder_of(path):
     """The layer's folder that a path from the root lies in; empty for others."""
-    return next((folder for folder in BELOW if path.startswith(folder + "/")), "")
+    return max((folder for folder in BELOW if path.startswith(folder + "/")), key=len, default="")
 
 
 def check_ours(path, header, public_headers, root):
@@ -49,10 +83,10 @@ def check_ours(path, header, public_headers, root):
     folder, target = folder_of(path), folder_of(header)
     if not (root / header).is_file() or not target:
         return "is no header from the project's root"
-    same_layer = target == folder or any({folder, target} <= layer for layer in SAME_LAYER)
-    if not same_layer and target not in BELOW[folder]:
+    if target != folder and target not in BELOW[folder] and header not in COMMON:
         return "points up"
-    if not same_layer and header not in public_headers:
+    same_target = target == folder or any({folder, target} <= rooms for rooms in TARGETS)
+    if not same_target and target != ENCODING and header not in public_headers:
         return "is private to its layer"
     if path in public_headers and header not in public_headers:
         return "is not installed, the including header is"
@@ -73,7 +107,7 @@ def check_others(path, header, public_headers):
 def check_tree(root, public_headers):
     """Every finding in the layers' folders below root, as lines of text, and the number of files looked at."""
     findings = [f"{header}: private headers are not installed" for header in public_headers if header.endswith("_p.h")]
-    files = [file for folder in BELOW for file in (root / folder).rglob("*") if file.suffix in (".h", ".cpp")]
+    files = {file for folder in BELOW for file in (root / folder).rglob("*") if file.suffix in (".h", ".cpp")}
     for file in sorted(files):
         path = file.relative_to(root).as_posix()
         for number, line in enumerate(file.read_text(encoding="utf-8").splitlines(), 1):

@@ -1,7 +1,7 @@
 #include "legacy/annotation/CountAnnotationFunctor.h"
 #include "legacy/ktAnnotationMetaData.h"
 #include "library/Version.h"
-#include "platform/system/ktBaseStream.h"
+#include "platform/system/stream/ktBaseStream.h"
 #include "tests/legacy/LegacyLibraryTest.h"
 #include "tests/support/RecordingLog.h"
 

@@ -3,7 +3,7 @@
 /// @file
 /// Writes the bytes of binary records for tests.
 
-#include "platform/system/ktBaseStream.h"
+#include "platform/system/stream/ktBaseStream.h"
 
 #include <cstddef>
 #include <cstdint>

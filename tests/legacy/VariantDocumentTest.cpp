@@ -1,5 +1,5 @@
-#include "legacy/ktVariantDocumentReader.h"
-#include "platform/system/ktVariantListImpl.h"
+#include "legacy/variant/ktVariantDocumentReader.h"
+#include "platform/system/variant/ktVariantListImpl.h"
 #include "tests/legacy/LegacyLibraryTest.h"
 
 #include <array>

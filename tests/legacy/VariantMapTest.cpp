@@ -1,5 +1,5 @@
-#include "platform/system/ktVariantJson.h"
-#include "platform/system/ktVariantMapImpl.h"
+#include "platform/system/json/ktVariantJson.h"
+#include "platform/system/variant/ktVariantMapImpl.h"
 #include "tests/legacy/LegacyLibraryTest.h"
 
 #include <fstream>

@@ -4,13 +4,13 @@
 /// Documents to damage, and what is left of them.
 
 #include "legacy/ktAnnotationView.h"
-#include "platform/system/ktObjectDocument.h"
+#include "platform/system/stream/ktObjectDocument.h"
 #include "tests/legacy/StreamBuilder.h"
 #include "tests/tool/TemporaryFolder.h"
-#include "tools/ktannot/JsonWriter.h"
 #include "tools/ktannot/LegacyDocument.h"
-#include "tools/ktannot/LegacyJson.h"
-#include "tools/ktannot/TextOutput.h"
+#include "tools/ktannot/console/TextOutput.h"
+#include "tools/ktannot/report/JsonWriter.h"
+#include "tools/ktannot/report/LegacyJson.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "platform/system/ktVariantJson.h"
+#include "platform/system/json/ktVariantJson.h"
 #include "tests/legacy/LegacyLibraryTest.h"
 #include "tests/robustness/DamagedDocuments.h"
 #include "tools/ktannot/LegacyDocument.h"

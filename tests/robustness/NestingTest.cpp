@@ -2,10 +2,10 @@
 #include "tests/legacy/StreamBuilder.h"
 #include "tests/robustness/DamagedDocuments.h"
 #include "tests/robustness/Drawings.h"
-#include "tools/ktannot/JsonWriter.h"
 #include "tools/ktannot/LegacyDocument.h"
-#include "tools/ktannot/LegacyJson.h"
-#include "tools/ktannot/TextOutput.h"
+#include "tools/ktannot/console/TextOutput.h"
+#include "tools/ktannot/report/JsonWriter.h"
+#include "tools/ktannot/report/LegacyJson.h"
 
 #include <gtest/gtest.h>
 

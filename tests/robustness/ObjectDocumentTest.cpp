@@ -1,5 +1,5 @@
 #include "legacy/ktAnnotationMetaData.h"
-#include "platform/system/ktLimits.h"
+#include "platform/system/memory/ktLimits.h"
 #include "tests/legacy/LegacyLibraryTest.h"
 #include "tests/robustness/DamagedDocuments.h"
 

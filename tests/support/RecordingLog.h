@@ -3,7 +3,7 @@
 /// @file
 /// What is logged while a test looks.
 
-#include "platform/system/ktLog.h"
+#include "platform/system/log/ktLog.h"
 
 #include <mutex>
 #include <string>

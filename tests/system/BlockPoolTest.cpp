@@ -1,4 +1,4 @@
-#include "platform/system/ktBlockPool.h"
+#include "platform/system/memory/ktBlockPool.h"
 
 #include <gtest/gtest.h>
 

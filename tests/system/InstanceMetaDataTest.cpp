@@ -1,7 +1,7 @@
-#include "platform/system/ktBaseStream.h"
-#include "platform/system/ktInstanceMetaData.h"
-#include "platform/system/ktVariantListImpl.h"
-#include "platform/system/ktVariantMapImpl.h"
+#include "platform/system/object/ktInstanceMetaData.h"
+#include "platform/system/stream/ktBaseStream.h"
+#include "platform/system/variant/ktVariantListImpl.h"
+#include "platform/system/variant/ktVariantMapImpl.h"
 #include "tests/legacy/StreamBuilder.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-#include "platform/system/ktLogObject.h"
 #include "platform/system/ktSystem.h"
+#include "platform/system/log/ktLogObject.h"
 #include "tests/support/RecordingLog.h"
 
 #include <gmock/gmock.h>

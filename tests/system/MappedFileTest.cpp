@@ -1,4 +1,4 @@
-#include "platform/system/ktMappedFile.h"
+#include "platform/system/memory/ktMappedFile.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>

@@ -1,6 +1,6 @@
-#include "platform/system/ktBaseStream.h"
-#include "platform/system/ktMetadataInterface.h"
-#include "platform/system/ktStreamVersion.h"
+#include "platform/system/object/ktMetadataInterface.h"
+#include "platform/system/stream/ktBaseStream.h"
+#include "platform/system/stream/ktStreamVersion.h"
 #include "tests/legacy/StreamBuilder.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "platform/system/ktVariantJson.h"
-#include "platform/system/ktVariantListImpl.h"
-#include "platform/system/ktVariantMapImpl.h"
+#include "platform/system/json/ktVariantJson.h"
+#include "platform/system/variant/ktVariantListImpl.h"
+#include "platform/system/variant/ktVariantMapImpl.h"
 
 #include <gmock/gmock.h>
 

@@ -1,6 +1,6 @@
-#include "platform/system/ktVariant.h"
-#include "platform/system/ktVariantListImpl.h"
-#include "platform/system/ktVariantMapImpl.h"
+#include "platform/system/variant/ktVariant.h"
+#include "platform/system/variant/ktVariantListImpl.h"
+#include "platform/system/variant/ktVariantMapImpl.h"
 
 #include <gtest/gtest.h>
 

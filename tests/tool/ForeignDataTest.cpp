@@ -1,7 +1,7 @@
-#include "platform/system/ktVariantListImpl.h"
-#include "platform/system/ktVariantMapImpl.h"
-#include "tools/ktannot/JsonWriter.h"
-#include "tools/ktannot/TerminalText.h"
+#include "platform/system/variant/ktVariantListImpl.h"
+#include "platform/system/variant/ktVariantMapImpl.h"
+#include "tools/ktannot/console/TerminalText.h"
+#include "tools/ktannot/report/JsonWriter.h"
 
 #include <gtest/gtest.h>
 

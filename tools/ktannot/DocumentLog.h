@@ -3,7 +3,7 @@
 /// @file
 /// Log lines by document.
 
-#include "platform/system/ktLog.h"
+#include "platform/system/log/ktLog.h"
 
 #include <atomic>
 #include <functional>

@@ -1,11 +1,11 @@
 #include "tools/ktannot/LegacyDocument.h"
 
 #include "legacy/ktAnnotationMetaData.h"
-#include "platform/system/ktLimits.h"
-#include "platform/system/ktMappedFile.h"
-#include "platform/system/ktObjectDocument.h"
-#include "platform/system/ktVariantJson.h"
-#include "platform/system/ktVariantListImpl.h"
+#include "platform/system/json/ktVariantJson.h"
+#include "platform/system/memory/ktLimits.h"
+#include "platform/system/memory/ktMappedFile.h"
+#include "platform/system/stream/ktObjectDocument.h"
+#include "platform/system/variant/ktVariantListImpl.h"
 #include "tools/ktannot/NestingLimit.h"
 
 #include <unistd.h>

@@ -4,10 +4,10 @@
 /// One legacy document in memory.
 
 #include "legacy/ktAnnotationView.h"
-#include "legacy/ktVariantDocumentReader.h"
-#include "platform/system/ktPointer.h"
-#include "tools/ktannot/ExitCode.h"
-#include "tools/ktannot/InputSet.h"
+#include "legacy/variant/ktVariantDocumentReader.h"
+#include "platform/system/object/ktPointer.h"
+#include "tools/ktannot/batch/InputSet.h"
+#include "tools/ktannot/report/ExitCode.h"
 
 #include <cstddef>
 #include <cstdint>

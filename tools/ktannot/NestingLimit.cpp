@@ -1,7 +1,7 @@
 #include "tools/ktannot/NestingLimit.h"
 
-#include "platform/system/ktLimits.h"
-#include "platform/system/ktVariantListImpl.h"
+#include "platform/system/memory/ktLimits.h"
+#include "platform/system/variant/ktVariantListImpl.h"
 
 #include <utility>
 #include <vector>

@@ -4,7 +4,7 @@
 /// Annotations that were nested too deeply to be read.
 
 #include "legacy/ktAnnotationView.h"
-#include "platform/system/ktVariantMapImpl.h"
+#include "platform/system/variant/ktVariantMapImpl.h"
 
 namespace ktannot {
 

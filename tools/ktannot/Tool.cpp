@@ -1,13 +1,13 @@
 #include "tools/ktannot/Tool.h"
 
 #include "library/ktAnnotationLegacyLibrary.h"
-#include "tools/ktannot/CheckCommand.h"
-#include "tools/ktannot/CommandLine.h"
-#include "tools/ktannot/InspectCommand.h"
-#include "tools/ktannot/MigrateCommand.h"
-#include "tools/ktannot/ProcessSetup.h"
-#include "tools/ktannot/TerminalText.h"
-#include "tools/ktannot/VersionCommand.h"
+#include "tools/ktannot/batch/ProcessSetup.h"
+#include "tools/ktannot/commands/CheckCommand.h"
+#include "tools/ktannot/commands/CommandLine.h"
+#include "tools/ktannot/commands/InspectCommand.h"
+#include "tools/ktannot/commands/MigrateCommand.h"
+#include "tools/ktannot/commands/VersionCommand.h"
+#include "tools/ktannot/console/TerminalText.h"
 
 #include <exception>
 #include <memory>

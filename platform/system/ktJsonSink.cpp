@@ -1,7 +1,0 @@
-#include "platform/system/ktJsonSink.h"
-
-namespace kt {
-
-ktJsonSink::~ktJsonSink() = default;
-
-}  // namespace kt

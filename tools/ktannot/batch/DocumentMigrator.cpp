@@ -1,0 +1,259 @@
+#include "tools/ktannot/batch/DocumentMigrator.h"
+
+#include "tools/ktannot/DocumentLog.h"
+#include "tools/ktannot/NestedLeaders.h"
+#include "tools/ktannot/batch/MetadataAcceptance.h"
+#include "tools/ktannot/batch/StopSignal.h"
+#include "tools/ktannot/console/TextOutput.h"
+#include "tools/ktannot/files/OutputFile.h"
+#include "tools/ktannot/files/SafeName.h"
+#include "tools/ktannot/report/CadJson.h"
+#include "tools/ktannot/report/JsonWriter.h"
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <system_error>
+
+namespace ktannot {
+
+namespace {
+
+std::vector<std::string> getPictureFolders(const MigrationOptions& options, const Input& input) {
+    if (options.mRasterFolder) {
+        return {*options.mRasterFolder + "/."};
+    }
+    const std::filesystem::path folder = std::filesystem::path(input.mPath).parent_path();
+    // The document's folder may be reached by a link, but its folder "images" must not be one.
+    return {(folder / ".").string(), (folder / "images").string()};
+}
+
+kt::ktCadViewSvgWriter::Options getWriterOptions(const MigrationOptions& options) {
+    kt::ktCadViewSvgWriter::Options writerOptions;
+    using TextMode = kt::svg::SvgWriter::TextMode;
+    writerOptions.mTextMode = options.mHasTextOutlines ? TextMode::Outlines : TextMode::Text;
+    return writerOptions;
+}
+
+bool exists(const std::string& path) {
+    std::error_code error;
+    return std::filesystem::exists(std::filesystem::symlink_status(path, error));
+}
+
+OutputFile::Existing getPublishMode(MigrationOptions::Existing existing) {
+    return existing == MigrationOptions::Existing::Replace ? OutputFile::Existing::Replace : OutputFile::Existing::Keep;
+}
+
+/// Why the loader made no view: the last of its messages about it.
+std::string getRefusalOfLoader(const LegacyDocument& document, const LegacyDocument::View& view) {
+    return view.mMessagesEnd > view.mMessagesBegin ? document.getMessages()[view.mMessagesEnd - 1]
+                                                   : "the document holds no readable view here";
+}
+
+}  // namespace
+
+DocumentMigrator::DocumentMigrator(const MigrationOptions& options)
+    : mOptions(options),
+      mMigration(options.mAcceptedMetadata, provideRaster, this, options.mHeadSize),
+      mWriter(getWriterOptions(options)) {}
+
+DocumentMigrator::~DocumentMigrator() = default;
+
+bool DocumentMigrator::provideRaster(const std::string& rasterName, std::string& rasterData, void* userData) {
+    return PictureFolder::provide(rasterName, rasterData, static_cast<DocumentMigrator*>(userData)->mPictures);
+}
+
+DocumentResult DocumentMigrator::migrate(const Input& input) {
+    DocumentResult result(LegacyDocument::load(input, mOptions.mMemoryLimit));
+    result.mOutcome = result.mDocument.getOutcome();
+    if (result.mDocument.isLoaded()) {
+        PictureFolder pictures(getPictureFolders(mOptions, input));
+        mPictures = &pictures;
+        mLog.clear();
+        migrateViews(input, result);
+        mPictures = nullptr;
+    } else if (isDump() && mOptions.isToStandardOutput() &&
+               result.mDocument.getState() != LegacyDocument::State::Skipped) {
+        TextOutput text;
+        JsonWriter json(text);
+        json.beginObject();
+        json.key("source").text(input.mSource);
+        json.key("refused").text(result.mDocument.getReason());
+        json.endObject();
+        json.endLine();
+        result.mText = text.takeText();
+    }
+    return result;
+}
+
+void DocumentMigrator::migrateViews(const Input& input, DocumentResult& result) {
+    const bool isTaken = planFiles(input, result);
+    if (isTaken && mOptions.mExisting == MigrationOptions::Existing::Fail) {
+        result.mReason = "drawings of it are in '" + mOptions.mOutput +
+                         "' already: --force replaces them, --skip-existing keeps them and makes the others";
+        result.mOutcome = worst(result.mOutcome, ExitCode::EnvironmentFailed);
+        result.mViews.clear();
+        return;
+    }
+    const bool isKept = isTaken && mOptions.mExisting == MigrationOptions::Existing::Skip;
+    std::vector<CadView> dumped;
+    for (std::size_t index = 0; index < result.mViews.size(); ++index) {
+        ViewResult& viewResult = result.mViews[index];
+        if (StopSignal::getPending() != 0) {
+            viewResult.mState = ViewResult::State::Stopped;
+            result.mIsStopped = true;
+            continue;
+        }
+        if (isKept && (isDump() || exists(viewResult.mFile))) {
+            viewResult.mState = ViewResult::State::Skipped;
+            continue;
+        }
+        CadView view = migrateView(result.mDocument, result.mDocument.getViews()[index], viewResult);
+        result.mDocument.releaseView(index);
+        finishView(std::move(view), viewResult, result, dumped);
+    }
+    if (!isDump() || isKept) {
+        return;
+    }
+    if (result.mIsStopped) {
+        // A dump holds all views or is not there: --skip-existing could not tell a part from the whole.
+        for (ViewResult& viewResult : result.mViews) {
+            viewResult.mState = ViewResult::State::Stopped;
+        }
+    } else {
+        writeDump(dumped, input, result);
+    }
+}
+
+bool DocumentMigrator::planFiles(const Input& input, DocumentResult& result) const {
+    const bool isToFiles = !mOptions.isToStandardOutput();
+    bool isTaken = isToFiles && isDump() && exists(getDumpPath(input));
+    for (const LegacyDocument::View& view : result.mDocument.getViews()) {
+        ViewResult& viewResult = result.mViews.emplace_back();
+        viewResult.mName = view.mView != nullptr ? view.mView->GetName() : std::string();
+        if (isToFiles && !isDump()) {
+            viewResult.mFile = getDrawingPath(input, result.mViews.size(), viewResult.mName);
+            isTaken = isTaken || exists(viewResult.mFile);
+        }
+    }
+    return isTaken;
+}
+
+void DocumentMigrator::finishView(CadView view, ViewResult& viewResult, DocumentResult& result,
+                                  std::vector<CadView>& dumped) {
+    if (view == nullptr) {
+        result.mOutcome = worst(result.mOutcome, ExitCode::Refused);
+    } else if (isDump()) {
+        viewResult.mState = ViewResult::State::Written;
+    } else {
+        writeDrawing(*view, viewResult, result);
+    }
+    if (!viewResult.mWarnings.empty()) {
+        result.mOutcome = worst(result.mOutcome, ExitCode::WithProblems);
+    }
+    if (isDump()) {
+        dumped.push_back(std::move(view));
+    }
+}
+
+DocumentMigrator::CadView DocumentMigrator::migrateView(const LegacyDocument& document,
+                                                        const LegacyDocument::View& view, ViewResult& viewResult) {
+    if (view.mView == nullptr) {
+        viewResult.mReason = getRefusalOfLoader(document, view);
+        return nullptr;
+    }
+    CadView migrated;
+    DocumentLog::Capture capture;
+    mMigration.migrateAnnotationView(view.mView, migrated);
+    for (DocumentLog::Line& line : capture.takeLines()) {
+        if (line.mType != kt::ktLog::Error) {
+            continue;
+        }
+        if (migrated != nullptr) {
+            viewResult.mWarnings.push_back(line.mMessage);
+        } else if (viewResult.mReason.empty()) {
+            // The first line names the cause, later ones where it struck.
+            viewResult.mReason = line.mMessage;
+            viewResult.mRemedy = MetadataAcceptance::findRemedy(line.mMessage);
+        } else {
+            viewResult.mReason += ": " + line.mMessage;
+        }
+        mLog.push_back(std::move(line.mMessage));
+    }
+    if (migrated == nullptr && viewResult.mReason.empty()) {
+        viewResult.mReason = "the migration gave no reason";
+    }
+    if (migrated != nullptr) {
+        if (const std::size_t count = countNestedLeaders(*view.mView); count > 0) {
+            viewResult.mWarnings.push_back(std::to_string(count) +
+                                           " leaders of nested annotations have no place in the new model");
+        }
+    }
+    return migrated;
+}
+
+void DocumentMigrator::writeDrawing(const kt::ktCadAnnotationView& view, ViewResult& viewResult,
+                                    DocumentResult& result) {
+    mWriter.write(view, mFile, viewResult.mWarnings);
+    if (mOptions.isToStandardOutput()) {
+        result.mText += mFile;
+    } else {
+        viewResult.mReason = write(viewResult.mFile, mFile);
+    }
+    viewResult.mState = viewResult.mReason.empty() ? ViewResult::State::Written : ViewResult::State::Failed;
+    if (viewResult.mState == ViewResult::State::Failed) {
+        result.mOutcome = worst(result.mOutcome, ExitCode::EnvironmentFailed);
+    }
+}
+
+void DocumentMigrator::writeDump(const std::vector<CadView>& views, const Input& input, DocumentResult& result) {
+    TextOutput text;
+    JsonWriter json(text);
+    json.beginObject();
+    json.key("source").text(input.mSource);
+    json.key("views").beginArray();
+    for (const CadView& view : views) {
+        writeCadViewJson(json, view.get());
+    }
+    json.endArray();
+    json.key("log").beginArray();
+    for (const std::string& message : mLog) {
+        json.beginObject();
+        json.key("type").number(static_cast<int>(kt::ktLog::Error));
+        json.key("message").text(message);
+        json.endObject();
+    }
+    json.endArray();
+    json.endObject();
+    json.endLine();
+    if (mOptions.isToStandardOutput()) {
+        result.mText = text.takeText();
+        return;
+    }
+    result.mReason = write(getDumpPath(input), text.getText());
+    if (!result.mReason.empty()) {
+        result.mOutcome = worst(result.mOutcome, ExitCode::EnvironmentFailed);
+    }
+}
+
+std::string DocumentMigrator::write(const std::string& path, std::string_view content) const {
+    OutputFile file(path);
+    std::string failure = file.getFailure();
+    if (failure.empty()) {
+        failure = file.write(content);
+    }
+    return failure.empty() ? file.publish(getPublishMode(mOptions.mExisting)) : failure;
+}
+
+std::string DocumentMigrator::getDrawingPath(const Input& input, std::size_t number,
+                                             const std::string& viewName) const {
+    std::array<char, 24> digits{};
+    std::snprintf(digits.data(), digits.size(), "%03zu", number);
+    return mOptions.getPlace(input.mDocumentName) + "/" + digits.data() + "-" + makeSafeFileName(viewName) + ".svg";
+}
+
+std::string DocumentMigrator::getDumpPath(const Input& input) const {
+    return mOptions.getPlace(input.mDocumentName) + ".json";
+}
+
+}  // namespace ktannot

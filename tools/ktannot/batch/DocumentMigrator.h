@@ -1,0 +1,59 @@
+#pragma once
+
+/// @file
+/// Migration of one document after the other.
+
+#include "migration/ktAnnotationMigration.h"
+#include "platform/annotation/ktCadViewSvgWriter.h"
+#include "tools/ktannot/batch/MigrationOptions.h"
+#include "tools/ktannot/files/PictureFolder.h"
+#include "tools/ktannot/report/DocumentResult.h"
+
+#include <string>
+#include <vector>
+
+namespace ktannot {
+
+/// Turns documents into drawings or dumps. Keeps the migration with its fonts and measured texts, so each thread has
+/// one migrator and uses it for many documents.
+class DocumentMigrator {
+public:
+    /// @param options  must outlive the migrator.
+    explicit DocumentMigrator(const MigrationOptions& options);
+    DocumentMigrator(const DocumentMigrator&) = delete;
+    DocumentMigrator& operator=(const DocumentMigrator&) = delete;
+    ~DocumentMigrator();
+
+    /// Reads a document, migrates its views and writes them. A view that fails does not stop the others; a request to
+    /// stop ends the work between two views.
+    DocumentResult migrate(const Input& input);
+
+private:
+    using CadView = kt::ktPointer<kt::ktCadAnnotationView>;
+
+    static bool provideRaster(const std::string& rasterName, std::string& rasterData, void* userData);
+
+    bool isDump() const { return mOptions.mFormat == MigrationOptions::Format::Json; }
+
+    void migrateViews(const Input& input, DocumentResult& result);
+    /// Lists the views with the files that they will be drawn to; true when one of the files is there already.
+    bool planFiles(const Input& input, DocumentResult& result) const;
+    /// Writes what became of a view, or keeps it for the dump.
+    void finishView(CadView view, ViewResult& viewResult, DocumentResult& result, std::vector<CadView>& dumped);
+    CadView migrateView(const LegacyDocument& document, const LegacyDocument::View& view, ViewResult& viewResult);
+    void writeDrawing(const kt::ktCadAnnotationView& view, ViewResult& viewResult, DocumentResult& result);
+    void writeDump(const std::vector<CadView>& views, const Input& input, DocumentResult& result);
+    std::string write(const std::string& path, std::string_view content) const;
+    /// @param number  of the view within the document, from 1.
+    std::string getDrawingPath(const Input& input, std::size_t number, const std::string& viewName) const;
+    std::string getDumpPath(const Input& input) const;
+
+    const MigrationOptions& mOptions;
+    ktLegacy::ktAnnotationMigration mMigration;
+    kt::ktCadViewSvgWriter mWriter;
+    PictureFolder* mPictures = nullptr;  ///< of the document at work
+    std::vector<std::string> mLog;       ///< of the document at work
+    std::string mFile;                   ///< text of a drawing; kept for its capacity
+};
+
+}  // namespace ktannot

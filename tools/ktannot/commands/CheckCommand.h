@@ -1,0 +1,31 @@
+#pragma once
+
+/// @file
+/// The command check.
+
+#include "tools/ktannot/LegacyDocument.h"
+#include "tools/ktannot/commands/Command.h"
+#include "tools/ktannot/report/DocumentCensus.h"
+
+namespace ktannot {
+
+/// Reads documents and reports everything that is wrong with them; writes no files.
+class CheckCommand : public Command {
+public:
+    const char* getName() const override { return "check"; }
+    const char* getSummary() const override { return "Read everything, report every problem, write nothing"; }
+    std::string getDetails() const override;
+    void declareOptions(CLI::App& app) override;
+    ExitCode run(Surroundings& surroundings) override;
+
+private:
+    static void printFindings(TextOutput& output, const LegacyDocument& document);
+    static void printSummary(TextOutput& output, const DocumentCensus& census);
+    static void writeJson(TextOutput& output, const LegacyDocument& document);
+
+    std::vector<std::string> mArguments;
+    bool mIsJson = false;
+    std::optional<std::uint64_t> mMemoryLimit;
+};
+
+}  // namespace ktannot

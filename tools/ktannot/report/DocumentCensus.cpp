@@ -1,0 +1,42 @@
+#include "tools/ktannot/report/DocumentCensus.h"
+
+#include "legacy/annotation/CountAnnotationFunctor.h"
+
+namespace ktannot {
+
+std::string countOf(std::size_t count, const std::string& noun) {
+    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+void DocumentCensus::add(const LegacyDocument& document) {
+    if (document.getState() == LegacyDocument::State::Skipped) {
+        ++mSkippedFiles;
+        return;
+    }
+    ++mDocuments;
+    mRefusedDocuments += document.getState() == LegacyDocument::State::Refused ? 1U : 0U;
+    mUnreadableDocuments += document.getState() == LegacyDocument::State::Unreadable ? 1U : 0U;
+    mProblems += document.getProblems().size();
+    mMessages += document.getMessages().size();
+    for (const LegacyDocument::View& view : document.getViews()) {
+        if (!view.mView) {
+            ++mRefusedViews;
+            continue;
+        }
+        ++mViews;
+        unsigned int tree = 0;
+        ktLegacy::annotation::CountAnnotationFunctor(tree).iterateOverAnnotationTree(view.mView->mAnnotations);
+        mAnnotations += view.mView->mAnnotations.size();
+        mChildren += tree - view.mView->mAnnotations.size();
+    }
+}
+
+std::string DocumentCensus::describeContent() const {
+    std::string text = countOf(mViews, "view") + ", " + countOf(mAnnotations, "annotation");
+    if (mChildren != 0) {
+        text += mChildren == 1 ? " (and 1 child)" : " (and " + std::to_string(mChildren) + " children)";
+    }
+    return text;
+}
+
+}  // namespace ktannot

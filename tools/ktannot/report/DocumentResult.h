@@ -1,0 +1,50 @@
+#pragma once
+
+/// @file
+/// What became of one document.
+
+#include "tools/ktannot/LegacyDocument.h"
+#include "tools/ktannot/report/ExitCode.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace ktannot {
+
+/// What became of one view of a document.
+struct ViewResult {
+    enum class State {
+        Written,  ///< drawn or dumped
+        Skipped,  ///< drawn before: left alone
+        Refused,  ///< could not be made or migrated
+        Failed,   ///< could not be written
+        Stopped,  ///< not made, because an end was asked for
+    };
+
+    State mState = State::Refused;
+    std::string mName;
+    std::string mFile;                   ///< the drawing; empty when none was meant to be written
+    std::string mReason;                 ///< why there is no drawing
+    std::string_view mRemedy;            ///< word of --accept that would have let the view pass; may be empty
+    std::vector<std::string> mWarnings;  ///< what the drawing lacks
+};
+
+/// What became of one document. The document's own findings are kept, its views are released.
+struct DocumentResult {
+    explicit DocumentResult(LegacyDocument document) : mDocument(std::move(document)) {}
+
+    /// A ".json" file of a folder that turned out to be no document.
+    bool isSkippedFile() const { return mDocument.getState() == LegacyDocument::State::Skipped; }
+    /// Why there are no drawings of the document at all; empty when there may be some.
+    const std::string& getReason() const { return mReason.empty() ? mDocument.getReason() : mReason; }
+
+    LegacyDocument mDocument;
+    std::vector<ViewResult> mViews;
+    std::string mText;    ///< for standard output
+    std::string mReason;  ///< why the document as a whole was not migrated, beyond what its reading says
+    ExitCode mOutcome = ExitCode::AllWell;
+    bool mIsStopped = false;  ///< an end was asked for before all of its views were made
+};
+
+}  // namespace ktannot

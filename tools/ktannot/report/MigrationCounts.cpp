@@ -1,0 +1,22 @@
+#include "tools/ktannot/report/MigrationCounts.h"
+
+namespace ktannot {
+
+void MigrationCounts::add(const DocumentResult& result) {
+    if (result.isSkippedFile()) {
+        ++mSkippedFiles;
+        return;
+    }
+    ++mDocuments;
+    mFailedDocuments += result.getReason().empty() ? 0U : 1U;
+    mProblems += result.mDocument.getProblems().size() + result.mDocument.getMessages().size();
+    for (const ViewResult& view : result.mViews) {
+        mWritten += view.mState == ViewResult::State::Written ? 1U : 0U;
+        mSkippedViews += view.mState == ViewResult::State::Skipped ? 1U : 0U;
+        mRefusedViews += view.mState == ViewResult::State::Refused ? 1U : 0U;
+        mFailedViews += view.mState == ViewResult::State::Failed ? 1U : 0U;
+        mProblems += view.mWarnings.size();
+    }
+}
+
+}  // namespace ktannot
