@@ -17,7 +17,6 @@
 #include <cstdlib>
 #include <span>
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -46,8 +45,7 @@ void writeDrawings(const kt::ktCadAnnotationView& view) {
         kt::ktCadViewSvgWriter::Options options;
         options.mTextMode = mode;
         std::string file;
-        std::vector<std::string> warnings;
-        kt::ktCadViewSvgWriter(options).write(view, file, warnings);
+        kt::ktCadViewSvgWriter(options).write(view, file);
         if (!isWellFormed(file)) {
             std::abort();
         }

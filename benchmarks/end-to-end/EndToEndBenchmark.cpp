@@ -53,7 +53,7 @@ public:
 
     const std::string& draw(const std::string& document) {
         run(document,
-            [this](const kt::ktPointer<kt::ktCadAnnotationView>& view) { mWriter.write(*view, mFile, mWarnings); });
+            [this](const kt::ktPointer<kt::ktCadAnnotationView>& view) { mWriter.write(*view, mFile); });
         return mFile;
     }
 
@@ -71,7 +71,7 @@ private:
                 fail("the view cannot be migrated");
             }
             finish(migrated);
-            if (!read.mMessages.empty() || !mWarnings.empty()) {
+            if (!read.mMessages.empty() || !mWriter.getWarnings().empty()) {
                 fail("the document is not all well");
             }
         }
@@ -87,7 +87,6 @@ private:
     ktLegacy::ktAnnotationMigration mMigration{0, nullptr, nullptr, sHeadSize};
     kt::ktCadViewSvgWriter mWriter;
     std::vector<ktLegacy::ktVariantDocumentReader::View> mViews;
-    std::vector<std::string> mWarnings;
     std::string mFile;
 };
 

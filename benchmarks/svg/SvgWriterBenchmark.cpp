@@ -200,21 +200,20 @@ double measure(Work work) {
 
 void writeView(benchmark::State& state) {
     const SampleView sample(static_cast<int>(state.range(0)));
-    const kt::ktCadViewSvgWriter writer;
+    kt::ktCadViewSvgWriter writer;
     std::string file;
     std::string numbers;
-    std::vector<std::string> warnings;
     std::vector<double> writing;
     std::vector<double> formatting;
     std::size_t allocations = 0;
-    writer.write(sample.getView(), file, warnings);
+    writer.write(sample.getView(), file);
     if (countNumbers(file) != sample.getNumbers().size()) {
         state.SkipWithError("the numbers are not those of the file");
         return;
     }
     for (auto _ : state) {
         const std::size_t allocationsBefore = sAllocations;
-        writing.push_back(measure([&] { writer.write(sample.getView(), file, warnings); }));
+        writing.push_back(measure([&] { writer.write(sample.getView(), file); }));
         allocations = sAllocations - allocationsBefore;
         formatting.push_back(measure([&] { formatNumbers(sample.getNumbers(), numbers); }));
         benchmark::DoNotOptimize(file.data());

@@ -18,6 +18,7 @@ public:
     explicit SimpleGlyphs(std::shared_ptr<const FontStack> fonts) : mFonts(std::move(fonts)) {}
 
     void appendGlyphs(const svg::Text& text, std::vector<svg::PlacedGlyph>& glyphs) const override;
+    std::shared_ptr<const void> getOutlineOwner() const override { return mFonts; }
 
 private:
     std::shared_ptr<const FontStack> mFonts;
@@ -36,6 +37,7 @@ public:
         : mFonts(std::move(fonts)), mGlyphs(std::move(glyphs)) {}
 
     void appendGlyphs(const svg::Text& text, std::vector<svg::PlacedGlyph>& glyphs) const override;
+    std::shared_ptr<const void> getOutlineOwner() const override { return mFonts; }
 
 private:
     std::shared_ptr<const FontStack> mFonts;

@@ -55,7 +55,35 @@ void addLeaders(BoundingBox& box, const ktCadAnnotation& annotation) {
     }
 }
 
-void writeLeaders(svg::SvgWriter& writer, const ktCadAnnotation& annotation) {
+}  // namespace
+
+std::string ktCadViewSvgWriter::Warning::getSentence() const { return "annotation '" + mName + "': " + mWhat; }
+
+ktCadViewSvgWriter::ktCadViewSvgWriter() = default;
+
+ktCadViewSvgWriter::ktCadViewSvgWriter(const Options& options) : mOptions(options) {}
+
+ktCadViewSvgWriter::~ktCadViewSvgWriter() = default;
+
+void ktCadViewSvgWriter::begin(std::string_view viewName) {
+    using svg::SvgWriter;
+    mWriter = std::make_unique<SvgWriter>(SvgWriter::Options{mOptions.mTextMode, mOptions.mLineWidth});
+    mWriter->startDocument(viewName);
+    mBox = {};
+    mAnnotationCount = 0;
+    mWarnings.clear();
+}
+
+void ktCadViewSvgWriter::add(const ktCadAnnotation& annotation) {
+    writeLeaders(annotation);
+    writeContent(annotation);
+    for (svg::SvgWriter::Warning& warning : mWriter->takeWarnings()) {
+        mWarnings.push_back({std::move(warning), mAnnotationCount, annotation.mName});
+    }
+    ++mAnnotationCount;
+}
+
+void ktCadViewSvgWriter::writeLeaders(const ktCadAnnotation& annotation) {
     if (annotation.mSegments.empty() && annotation.mShapes.empty()) {
         return;
     }
@@ -63,73 +91,59 @@ void writeLeaders(svg::SvgWriter& writer, const ktCadAnnotation& annotation) {
     svg::SvgWriter::Group group;
     group.mColor = color.get();
     group.mOutlineColor = color.get();
-    writer.startGroup(group);
-    writer.startLines();
+    mWriter->selectLayer(svg::SvgWriter::Layer::Beneath);
+    mWriter->startGroup(group);
+    mWriter->startLines();
     for (const ktCadAnnotation::LineSegment& segment : annotation.mSegments) {
-        writer.addLine(toDrawing(segment.mStart), toDrawing(segment.mEnd));
+        mWriter->addLine(toDrawing(segment.mStart), toDrawing(segment.mEnd));
     }
-    writer.endLines();
+    mWriter->endLines();
     for (const ktCadAnnotation::Shape& shape : annotation.mShapes) {
         if (shape.mNode) {
             const Transform placement = Transform::makeTranslation(toDrawing(shape.mPosition));
-            writer.writeItem(*shape.mNode, &placement);
+            mWriter->writeItem(*shape.mNode, &placement);
         }
     }
-    writer.endGroup();
+    mWriter->endGroup();
+    addLeaders(mBox, annotation);
 }
 
-void writeContent(svg::SvgWriter& writer, const ktCadAnnotation& annotation, const Transform& placement) {
+void ktCadViewSvgWriter::writeContent(const ktCadAnnotation& annotation) {
     svg::SvgWriter::Group group;
     group.mTitle = annotation.mName;
-    group.mTransform = placement;
-    if (writer.startGroup(group)) {
+    group.mTransform = getPlacement(annotation);
+    mWriter->selectLayer(svg::SvgWriter::Layer::Above);
+    if (mWriter->startGroup(group)) {
         if (annotation.mRoot) {
-            writer.writeItem(*annotation.mRoot);
+            mWriter->writeItem(*annotation.mRoot);
         }
-        writer.endGroup();
+        mWriter->endGroup();
     }
+    addTree(mBox, annotation.mRoot.get(), group.mTransform);
 }
 
-/// Calls write for every annotation, and tells in the warnings which one they are about.
-template <typename Write>
-void writeAnnotations(svg::SvgWriter& writer, const ktCadAnnotationView& view, std::vector<std::string>& warnings,
-                      Write write) {
-    for (const auto& annotation : view.mAnnotations) {
-        std::size_t next = writer.getWarnings().size();
-        write(*annotation);
-        for (; next < writer.getWarnings().size(); ++next) {
-            warnings.push_back("annotation '" + annotation->mName + "': " + writer.getWarnings()[next]);
-        }
-    }
-}
-
-}  // namespace
-
-void ktCadViewSvgWriter::write(const ktCadAnnotationView& view, std::string& file,
-                               std::vector<std::string>& warnings) const {
-    file.clear();
-    BoundingBox box;
-    svg::SvgWriter writer(file, {mOptions.mTextMode, mOptions.mLineWidth});
-    writer.startDocument(view.mName);
-    writeAnnotations(writer, view, warnings, [&](const ktCadAnnotation& annotation) {
-        writeLeaders(writer, annotation);
-        addLeaders(box, annotation);
-    });
-    writeAnnotations(writer, view, warnings, [&](const ktCadAnnotation& annotation) {
-        const Transform placement = getPlacement(annotation);
-        writeContent(writer, annotation, placement);
-        addTree(box, annotation.mRoot.get(), placement);
-    });
-    if (box.isEmpty()) {
-        box.addPoint(Point2::ZERO);
+std::vector<std::string_view> ktCadViewSvgWriter::finish() {
+    if (mBox.isEmpty()) {
+        mBox.addPoint(Point2::ZERO);
     }
     // Glyphs may reach a little out of their boxes, by millimetres when the text is metres high.
     // No margin may reach beyond the numbers there are.
     constexpr float sMaxSide = 1e36F;
-    const float longerSide = std::min(std::max(box.getWidth(), box.getHeight()), sMaxSide);
+    const float longerSide = std::min(std::max(mBox.getWidth(), mBox.getHeight()), sMaxSide);
     const float margin = std::max(mOptions.mMargin, mOptions.mMarginShare * longerSide);
-    box.addMargin({margin, margin});
-    writer.endDocument(box);
+    mBox.addMargin({margin, margin});
+    return mWriter->endDocument(mBox);
+}
+
+void ktCadViewSvgWriter::write(const ktCadAnnotationView& view, std::string& file) {
+    begin(view.mName);
+    for (const auto& annotation : view.mAnnotations) {
+        add(*annotation);
+    }
+    file.clear();
+    for (const std::string_view piece : finish()) {
+        file += piece;
+    }
 }
 
 }  // namespace kt

@@ -28,6 +28,8 @@ bool GlyphDefinitions::isReserved(std::string_view id) {
     return id.size() > 1 && id.front() == 'g' && id.find_first_not_of("0123456789", 1) == std::string_view::npos;
 }
 
+void GlyphDefinitions::keepOwner(std::shared_ptr<const void> owner) { mOwners.insert(std::move(owner)); }
+
 unsigned GlyphDefinitions::define(const Path& outline) {
     if (outline.isEmpty() || !isFinite(outline)) {
         return 0;

@@ -6,9 +6,11 @@
 #include "platform/svg/Path.h"
 #include "platform/svg/TextBuffer_p.h"
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace kt::svg {
 
@@ -22,6 +24,9 @@ public:
     /// Whether an id is of the form that this class gives.
     static bool isReserved(std::string_view id);
 
+    /// Keeps what outlines live in: their addresses must stay theirs.
+    void keepOwner(std::shared_ptr<const void> owner);
+
     /// The number of the outline's id; 0 when there is nothing to draw.
     unsigned define(const Path& outline);
 
@@ -30,6 +35,7 @@ public:
 
 private:
     std::unordered_map<const Path*, unsigned> mNumbers;
+    std::unordered_set<std::shared_ptr<const void>> mOwners;
     std::string mText;
     TextBuffer mBuffer;
 };

@@ -5,6 +5,7 @@
 
 #include "platform/svg/Path.h"
 
+#include <memory>
 #include <vector>
 
 namespace kt::svg {
@@ -22,7 +23,7 @@ struct PlacedGlyph {
 };
 
 /// Something that can give the outlines of a text item: implemented by the text layout, asked by the writer. Outlines
-/// live as long as the source.
+/// live as long as the source or their owner.
 class KT_SVG_API GlyphSource {
 public:
     GlyphSource() = default;
@@ -32,6 +33,10 @@ public:
 
     /// Appends the glyphs of the run in drawing order. Glyphs without ink (blanks) may be left out.
     virtual void appendGlyphs(const Text& text, std::vector<PlacedGlyph>& glyphs) const = 0;
+
+    /// What the outlines live in: a writer keeps it while it refers to them by their addresses, so that texts and their
+    /// sources can be released as soon as they are written. Many sources share a few owners.
+    virtual std::shared_ptr<const void> getOutlineOwner() const = 0;
 };
 
 }  // namespace kt::svg

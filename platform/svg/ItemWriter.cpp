@@ -17,7 +17,6 @@ namespace kt::svg {
 namespace {
 
 constexpr std::string_view sNone = "none";
-constexpr std::string_view sNotFinite = "a number is not finite";
 /// Room for a literal and four numbers.
 constexpr std::size_t sNumbersSize = 512;
 /// Texts up to this are copied together with their tag.
@@ -147,12 +146,19 @@ int getScaledDecimals(double scale) {
     return sCoordinateDecimals + static_cast<int>(std::clamp(digits, -3.0, 20.0));
 }
 
-ItemWriter::ItemWriter(std::string& output, const SvgWriter::Options& options)
-    : mBuffer(output), mTextMode(options.mTextMode) {}
+void appendTitle(TextBuffer& buffer, std::string_view title) {
+    if (!title.empty()) {
+        buffer.append("<title>");
+        appendXmlText(buffer, cutUtf8(title, SvgWriter::sMaxTitleSize), XmlContext::Content);
+        buffer.append("</title>\n");
+    }
+}
 
-void ItemWriter::warn(std::string_view item, std::string_view problem) {
-    std::string& warning = mWarnings.emplace_back(item);
-    warning.append(" was left out: ").append(problem);
+ItemWriter::ItemWriter(TextBuffer& buffer, const SvgWriter::Options& options)
+    : mBuffer(&buffer), mTextMode(options.mTextMode) {}
+
+void ItemWriter::warn(Warning::Kind kind, std::string_view item, std::string_view problem) {
+    mWarnings.push_back({kind, std::string(item).append(" was left out: ").append(problem)});
 }
 
 Paint ItemWriter::getPaint(const ItemInterface& item, const Paint& inherited) {
@@ -164,7 +170,7 @@ Paint ItemWriter::getPaint(const ItemInterface& item, const Paint& inherited) {
         if (isColor(*own)) {
             color = *own;
         } else {
-            warn("a colour", "it is neither a word nor #RRGGBB");
+            warn(Warning::Kind::ColorUnknown, "a colour", "it is neither a word nor #RRGGBB");
         }
     };
     choose(item.getColor(), paint.mColor);
@@ -181,7 +187,7 @@ ItemWriter::Placement ItemWriter::place(const Affine& map, double outerScale) {
 
 void ItemWriter::appendTransform(const Affine& map, double outerScale) {
     const int decimals = getDecimals(outerScale);
-    char* out = mBuffer.reserve(sNumbersSize);
+    char* out = mBuffer->reserve(sNumbersSize);
     if (map.isTranslation()) {
         out = putLiteral(out, " transform=\"translate(");
     } else {
@@ -194,7 +200,7 @@ void ItemWriter::appendTransform(const Affine& map, double outerScale) {
     out = putNumber(out, map.mX, decimals);
     *out++ = ' ';
     out = putNumber(out, map.mY, decimals);
-    mBuffer.commit(putLiteral(out, ")\""));
+    mBuffer->commit(putLiteral(out, ")\""));
 }
 
 char* ItemWriter::putPaint(char* out, const Paint& paint, const Paint& written) {
@@ -212,37 +218,29 @@ char* ItemWriter::putPaint(char* out, const Paint& paint, const Paint& written) 
 }
 
 void ItemWriter::appendPaint(const Paint& paint, const Paint& written) {
-    mBuffer.commit(putPaint(mBuffer.reserve(sNumbersSize), paint, written));
+    mBuffer->commit(putPaint(mBuffer->reserve(sNumbersSize), paint, written));
 }
 
 void ItemWriter::appendNames(const ItemInterface& item) {
     if (const std::optional<std::string_view> id = item.getId()) {
         const bool isTaken = mTextMode == SvgWriter::TextMode::Outlines && GlyphDefinitions::isReserved(*id);
         if (!id->empty() && id->size() <= sMaxNameSize && !isTaken && mIds.emplace(*id).second) {
-            mBuffer.append(" id=\"");
-            appendXmlText(mBuffer, *id, XmlContext::Attribute);
-            mBuffer.append("\"");
+            mBuffer->append(" id=\"");
+            appendXmlText(*mBuffer, *id, XmlContext::Attribute);
+            mBuffer->append("\"");
         }
     }
     const std::optional<std::string_view> classText = item.getClass();
     if (classText && !classText->empty() && classText->size() <= sMaxNameSize) {
-        mBuffer.append(" class=\"");
-        appendXmlText(mBuffer, *classText, XmlContext::Attribute);
-        mBuffer.append("\"");
-    }
-}
-
-void ItemWriter::appendTitle(std::string_view title) {
-    if (!title.empty()) {
-        mBuffer.append("<title>");
-        appendXmlText(mBuffer, cutUtf8(title, SvgWriter::sMaxTitleSize), XmlContext::Content);
-        mBuffer.append("</title>\n");
+        mBuffer->append(" class=\"");
+        appendXmlText(*mBuffer, *classText, XmlContext::Attribute);
+        mBuffer->append("\"");
     }
 }
 
 void ItemWriter::appendOutlineStyle(const ItemInterface& item) {
     if (item.getStyleOption() == ItemInterface::sStyleNonScalingStroke) {
-        mBuffer.append(" vector-effect=\"non-scaling-stroke\"");
+        mBuffer->append(" vector-effect=\"non-scaling-stroke\"");
     }
 }
 
@@ -259,10 +257,10 @@ void ItemWriter::writeItem(const ItemInterface& item, const WriteContext& contex
     const Affine map = item.getTransform() ? context.mMap * Affine(*item.getTransform()) : context.mMap;
     // A transform of the item's own that is not finite leaves its trace in the product.
     if (!hasFiniteGeometry(item) || !map.isFinite()) {
-        warn(getName(item.getKind()), sNotFinite);
+        warn(Warning::Kind::NumberNotFinite, getName(item.getKind()), sNotFinite);
         return;
     }
-    const std::size_t start = mBuffer.getSize();
+    const std::size_t start = mBuffer->getSize();
     switch (item.getKind()) {
         case ItemInterface::Kind::Rect:
             writeRect(static_cast<const Rect&>(item), map, context);
@@ -279,9 +277,9 @@ void ItemWriter::writeItem(const ItemInterface& item, const WriteContext& contex
         case ItemInterface::Kind::Node:
             break;
     }
-    if (mBuffer.getSize() - start > SvgWriter::sMaxElementSize) {
-        mBuffer.truncate(start);
-        warn(getName(item.getKind()), "it is longer than 10,000,000 bytes");
+    if (mBuffer->getSize() - start > SvgWriter::sMaxElementSize) {
+        mBuffer->truncate(start);
+        warn(Warning::Kind::ElementTooLong, getName(item.getKind()), "it is longer than 10,000,000 bytes");
     }
 }
 
@@ -290,7 +288,7 @@ void ItemWriter::appendBox(std::string_view start, const Wm4::Vector2<float>& po
     const auto lower = [](float origin, float extent) {
         return std::min(static_cast<double>(origin), static_cast<double>(origin) + static_cast<double>(extent));
     };
-    char* out = putText(mBuffer.reserve(sNumbersSize), start);
+    char* out = putText(mBuffer->reserve(sNumbersSize), start);
     out = putLiteral(out, " x=\"");
     out = putNumber(out, lower(position.x, size.x) + placement.mX, placement.mDecimals);
     out = putLiteral(out, "\" y=\"");
@@ -300,7 +298,7 @@ void ItemWriter::appendBox(std::string_view start, const Wm4::Vector2<float>& po
     out = putLiteral(out, "\" height=\"");
     out = putNumber(out, std::abs(static_cast<double>(size.y)), placement.mDecimals);
     *out++ = '"';
-    mBuffer.commit(out);
+    mBuffer->commit(out);
 }
 
 void ItemWriter::writeRect(const Rect& rect, const Affine& map, const WriteContext& context) {
@@ -312,21 +310,21 @@ void ItemWriter::writeRect(const Rect& rect, const Affine& map, const WriteConte
     appendBox("<rect", rect.getPosition(), rect.getSize(), placement);
     appendCommon(rect, map, placement, paint, context);
     appendOutlineStyle(rect);
-    mBuffer.append("/>\n");
+    mBuffer->append("/>\n");
 }
 
 void ItemWriter::writeImage(const Image& image, const Affine& map, const WriteContext& context) {
     const Picture picture(image.getSource());
-    if (picture.getProblem() != nullptr) {
-        warn("an image", picture.getProblem());
+    if (const Picture::Problem* problem = picture.getProblem()) {
+        warn(problem->mKind, getName(image.getKind()), problem->mText);
         return;
     }
     const Placement placement = place(map, context.mScale);
     appendBox("<image", image.getPosition(), image.getSize(), placement);
     appendCommon(image, map, placement, context.mWritten, context);
-    mBuffer.append(" preserveAspectRatio=\"none\" href=\"");
-    picture.appendDataUri(mBuffer);
-    mBuffer.append("\"/>\n");
+    mBuffer->append(" preserveAspectRatio=\"none\" href=\"");
+    picture.appendDataUri(*mBuffer);
+    mBuffer->append("\"/>\n");
 }
 
 void ItemWriter::writePath(const Path& path, const Affine& map, const WriteContext& context) {
@@ -335,12 +333,12 @@ void ItemWriter::writePath(const Path& path, const Affine& map, const WriteConte
     }
     const Placement placement = place(map, context.mScale);
     const Paint paint = getPaint(path, context.mInherited);
-    mBuffer.append("<path");
+    mBuffer->append("<path");
     appendCommon(path, map, placement, paint, context);
     appendOutlineStyle(path);
-    mBuffer.append(" d=\"");
-    appendPathData(mBuffer, path, placement.mX, placement.mY, placement.mDecimals);
-    mBuffer.append("\"/>\n");
+    mBuffer->append(" d=\"");
+    appendPathData(*mBuffer, path, placement.mX, placement.mY, placement.mDecimals);
+    mBuffer->append("\"/>\n");
 }
 
 const ItemWriter::FontAttributes& ItemWriter::findFont(const Text& text, int decimals) {
@@ -364,7 +362,7 @@ const ItemWriter::FontAttributes& ItemWriter::findFont(const Text& text, int dec
     return font;
 }
 
-void ItemWriter::appendFont(const Text& text, int decimals) { mBuffer.append(findFont(text, decimals).mText); }
+void ItemWriter::appendFont(const Text& text, int decimals) { mBuffer->append(findFont(text, decimals).mText); }
 
 void ItemWriter::writeText(const Text& text, const Affine& map, const WriteContext& context) {
     if (text.getText().empty() || !(text.getSize() > 0.0F)) {
@@ -375,24 +373,24 @@ void ItemWriter::writeText(const Text& text, const Affine& map, const WriteConte
             writeOutlines(text, map, context);
             return;
         }
-        mWarnings.emplace_back("a text stays text: its glyphs have no outlines");
+        mWarnings.push_back({Warning::Kind::OutlinesMissing, "a text stays text: its glyphs have no outlines"});
     }
     const Placement placement = place(map, context.mScale);
     const TextScan scan = scanText(text.getText());
-    char* out = putLiteral(mBuffer.reserve(sNumbersSize), "<text x=\"");
+    char* out = putLiteral(mBuffer->reserve(sNumbersSize), "<text x=\"");
     out = putNumber(out, static_cast<double>(text.getPosition().x) + placement.mX, placement.mDecimals);
     out = putLiteral(out, "\" y=\"");
     out = putNumber(out, static_cast<double>(text.getPosition().y) + placement.mY, placement.mDecimals);
     *out++ = '"';
     if (context.mFont == nullptr || placement.mIsTransformed || !haveSameFont(*context.mFont, text)) {
-        mBuffer.commit(out);
+        mBuffer->commit(out);
         appendFont(text, placement.mDecimals);
         // What the groups say of weight and style must not reach this text.
         if (context.mFont != nullptr) {
-            mBuffer.append(context.mFont->isBold() && !text.isBold() ? " font-weight=\"normal\"" : "");
-            mBuffer.append(context.mFont->isItalic() && !text.isItalic() ? " font-style=\"normal\"" : "");
+            mBuffer->append(context.mFont->isBold() && !text.isBold() ? " font-weight=\"normal\"" : "");
+            mBuffer->append(context.mFont->isItalic() && !text.isItalic() ? " font-style=\"normal\"" : "");
         }
-        out = mBuffer.reserve(sNumbersSize);
+        out = mBuffer->reserve(sNumbersSize);
     }
     if (text.getLength() > 0.0F) {
         out = putLiteral(out, " textLength=\"");
@@ -409,25 +407,26 @@ void ItemWriter::writeText(const Text& text, const Affine& map, const WriteConte
     if (scan.mHasFragileBlanks) {
         out = putLiteral(out, " xml:space=\"preserve\"");
     }
-    mBuffer.commit(out);
+    mBuffer->commit(out);
     // Letters have no outline: groups give theirs to frames and lines.
     const Paint paint{getPaint(text, context.mInherited).mColor, sNone};
     appendCommon(text, map, placement, paint, context);
     if (scan.mIsPlain && text.getText().size() <= sShortTextSize) {
-        out = mBuffer.reserve(sShortTextSize + sNumbersSize);
+        out = mBuffer->reserve(sShortTextSize + sNumbersSize);
         *out++ = '>';
         out = putText(out, text.getText());
-        mBuffer.commit(putLiteral(out, "</text>\n"));
+        mBuffer->commit(putLiteral(out, "</text>\n"));
     } else {
-        mBuffer.append(">");
-        appendXmlText(mBuffer, text.getText(), XmlContext::Content);
-        mBuffer.append("</text>\n");
+        mBuffer->append(">");
+        appendXmlText(*mBuffer, text.getText(), XmlContext::Content);
+        mBuffer->append("</text>\n");
     }
 }
 
 void ItemWriter::writeOutlines(const Text& text, const Affine& map, const WriteContext& context) {
     mPlacedGlyphs.clear();
     text.getGlyphSource()->appendGlyphs(text, mPlacedGlyphs);
+    mGlyphs.keepOwner(text.getGlyphSource()->getOutlineOwner());
     if (mPlacedGlyphs.empty()) {
         return;
     }
@@ -435,24 +434,25 @@ void ItemWriter::writeOutlines(const Text& text, const Affine& map, const WriteC
     const Affine run = map * Affine(runScale, 0.0, 0.0, runScale, static_cast<double>(text.getPosition().x),
                                     static_cast<double>(text.getPosition().y));
     if (!(runScale > 0.0) || !run.isFinite()) {
-        warn("a text", sNotFinite);
+        warn(Warning::Kind::NumberNotFinite, "a text", sNotFinite);
         return;
     }
     if (std::any_of(mPlacedGlyphs.begin(), mPlacedGlyphs.end(), [](const auto& glyph) { return glyph.mIsMissing; })) {
-        mWarnings.emplace_back(
-            "boxes stand for characters that no installed font has; install one that has them, or draw text as text");
+        mWarnings.push_back(
+            {Warning::Kind::GlyphMissing,
+             "boxes stand for characters that no installed font has; install one that has them, or draw text as text"});
     }
     const Paint paint{getPaint(text, context.mInherited).mColor, sNone};
-    mBuffer.append("<g");
+    mBuffer->append("<g");
     appendTransform(run, context.mScale);
     appendPaint(paint, context.mWritten);
     appendNames(text);
-    mBuffer.append(">\n");
+    mBuffer->append(">\n");
     const int decimals = getDecimals(context.mScale * run.getScale());
     for (const PlacedGlyph& glyph : mPlacedGlyphs) {
         writeGlyph(glyph, runScale, decimals);
     }
-    mBuffer.append("</g>\n");
+    mBuffer->append("</g>\n");
 }
 
 void ItemWriter::writeGlyph(const PlacedGlyph& glyph, double runScale, int decimals) {
@@ -460,14 +460,14 @@ void ItemWriter::writeGlyph(const PlacedGlyph& glyph, double runScale, int decim
     const double x = static_cast<double>(glyph.mPosition.x) / runScale;
     const double y = static_cast<double>(glyph.mPosition.y) / runScale;
     if (!std::isfinite(x + y + scale)) {
-        warn("a glyph", sNotFinite);
+        warn(Warning::Kind::NumberNotFinite, "a glyph", sNotFinite);
         return;
     }
     const unsigned number = glyph.mOutline != nullptr ? mGlyphs.define(*glyph.mOutline) : 0;
     if (number == 0) {
         return;
     }
-    char* out = putLiteral(mBuffer.reserve(sNumbersSize), "<use href=\"#g");
+    char* out = putLiteral(mBuffer->reserve(sNumbersSize), "<use href=\"#g");
     out = formatNumber(out, number, 0);
     *out++ = '"';
     if (scale == 1.0) {
@@ -478,12 +478,12 @@ void ItemWriter::writeGlyph(const PlacedGlyph& glyph, double runScale, int decim
             out = putNumber(out, y, decimals);
         }
         *out++ = '"';
-        mBuffer.commit(out);
+        mBuffer->commit(out);
     } else {
-        mBuffer.commit(out);
+        mBuffer->commit(out);
         appendTransform(Affine(scale, 0.0, 0.0, scale, x, y), std::pow(10.0, decimals - sCoordinateDecimals));
     }
-    mBuffer.append("/>\n");
+    mBuffer->append("/>\n");
 }
 
 }  // namespace kt::svg

@@ -14,6 +14,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace kt::svg {
@@ -22,6 +23,10 @@ class Image;
 class Path;
 class Rect;
 class Text;
+
+inline constexpr std::string_view sNotFinite = "a number is not finite";
+
+void appendTitle(TextBuffer& buffer, std::string_view title);
 
 /// Fill and outline colour.
 struct Paint {
@@ -47,7 +52,12 @@ inline int getDecimals(double scale) { return scale == 1.0 ? sCoordinateDecimals
 /// the whole file: ids, glyphs and warnings.
 class ItemWriter {
 public:
-    ItemWriter(std::string& output, const SvgWriter::Options& options);
+    using Warning = SvgWriter::Warning;
+
+    ItemWriter(TextBuffer& buffer, const SvgWriter::Options& options);
+
+    /// Where it writes from now on.
+    void setBuffer(TextBuffer& buffer) { mBuffer = &buffer; }
 
     /// Writes an item that is no group.
     void writeItem(const ItemInterface& item, const WriteContext& context);
@@ -61,14 +71,13 @@ public:
     void appendPaint(const Paint& paint, const Paint& written);
     /// Id and class.
     void appendNames(const ItemInterface& item);
-    void appendTitle(std::string_view title);
     void forgetId(std::string_view id) { mIds.erase(std::string(id)); }
 
-    void warn(std::string_view item, std::string_view problem);
+    /// Tells that an item was left out.
+    void warn(Warning::Kind kind, std::string_view item, std::string_view problem);
 
-    TextBuffer& getBuffer() { return mBuffer; }
     GlyphDefinitions& getGlyphs() { return mGlyphs; }
-    const std::vector<std::string>& getWarnings() const { return mWarnings; }
+    std::vector<Warning> takeWarnings() { return std::exchange(mWarnings, {}); }
 
 private:
     /// How an item is put in its place: by its coordinates alone, or by a transform attribute.
@@ -95,12 +104,12 @@ private:
     void appendCommon(const ItemInterface& item, const Affine& map, const Placement& placement, const Paint& paint,
                       const WriteContext& context);
 
-    TextBuffer mBuffer;
+    TextBuffer* mBuffer;
     SvgWriter::TextMode mTextMode;
     std::unordered_set<std::string> mIds;
     GlyphDefinitions mGlyphs;
     std::vector<PlacedGlyph> mPlacedGlyphs;
-    std::vector<std::string> mWarnings;
+    std::vector<Warning> mWarnings;
 
     /// Font attributes as they are written.
     struct FontAttributes {

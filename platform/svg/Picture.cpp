@@ -11,8 +11,13 @@ namespace {
 
 constexpr std::string_view sAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 constexpr std::uint8_t sNoDigit = 0xFF;
-constexpr const char* sNoPicture = "is not a PNG, JPEG, GIF or WebP picture";
-constexpr const char* sTooLarge = "is larger than 7,400,000 bytes";
+using Kind = SvgWriter::Warning::Kind;
+
+constexpr Picture::Problem sUnknown{Kind::PictureUnknown, "is not a PNG, JPEG, GIF or WebP picture"};
+constexpr Picture::Problem sTooLarge{Kind::PictureTooLarge, "is larger than 7,400,000 bytes"};
+constexpr Picture::Problem sWithoutData{Kind::PictureWithoutData, "is a data URI without data"};
+constexpr Picture::Problem sNotBase64{Kind::PictureNotBase64, "is a data URI whose data is not base64"};
+
 /// Enough of a file to tell its kind, and a whole number of base64 groups.
 constexpr std::size_t sHeadSize = 12;
 
@@ -151,7 +156,7 @@ Picture::Picture(std::string_view source) {
     mBytes = source;
     setType(source.substr(0, sHeadSize));
     if (mProblem == nullptr && source.size() > sMaxSize) {
-        mProblem = sTooLarge;
+        mProblem = &sTooLarge;
     }
 }
 
@@ -159,13 +164,13 @@ void Picture::readDataUri(std::string_view uri) {
     const std::size_t comma = uri.find(',');
     const std::string_view header = uri.substr(0, comma);
     if (comma == std::string_view::npos) {
-        mProblem = "is a data URI without data";
+        mProblem = &sWithoutData;
         return;
     }
     const std::string_view data = uri.substr(comma + 1);
     // No picture that may be embedded is longer, blanks and escapes in its text included.
     if (data.size() / 4 > sMaxSize) {
-        mProblem = sTooLarge;
+        mProblem = &sTooLarge;
         return;
     }
     std::string decoded;
@@ -177,7 +182,7 @@ void Picture::readDataUri(std::string_view uri) {
     const std::size_t semicolon = header.rfind(';');
     if (semicolon != std::string_view::npos && equalsIgnoringCase(header.substr(semicolon), ";base64")) {
         if (!cleanBase64(text, mBase64)) {
-            mProblem = "is a data URI whose data is not base64";
+            mProblem = &sNotBase64;
             return;
         }
     } else {
@@ -186,14 +191,14 @@ void Picture::readDataUri(std::string_view uri) {
     }
     setType(decodeHead(mBase64));
     if (mProblem == nullptr && getDecodedSize(mBase64) > sMaxSize) {
-        mProblem = sTooLarge;
+        mProblem = &sTooLarge;
     }
 }
 
 void Picture::setType(std::string_view head) {
     mMediaType = sniffMediaType(head);
     if (mMediaType.empty()) {
-        mProblem = sNoPicture;
+        mProblem = &sUnknown;
     }
 }
 

@@ -3,6 +3,8 @@
 /// @file
 /// Pictures for embedding.
 
+#include "platform/svg/SvgWriter.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -22,8 +24,14 @@ public:
     /// The source must outlive the picture.
     explicit Picture(std::string_view source);
 
-    /// Null when the picture can be embedded, otherwise why not.
-    const char* getProblem() const { return mProblem; }
+    /// Why a picture cannot be embedded.
+    struct Problem {
+        SvgWriter::Warning::Kind mKind;
+        std::string_view mText;
+    };
+
+    /// Null when the picture can be embedded.
+    const Problem* getProblem() const { return mProblem; }
 
     /// Appends the picture as a data URI; only when there is no problem.
     void appendDataUri(TextBuffer& buffer) const;
@@ -35,7 +43,7 @@ private:
     std::string_view mBytes;      ///< the file, when the source is one
     std::string mBase64;          ///< the file, when the source is a data URI
     std::string_view mMediaType;  ///< by content
-    const char* mProblem = nullptr;
+    const Problem* mProblem = nullptr;
 };
 
 }  // namespace kt::svg

@@ -24,7 +24,7 @@ constexpr int sMaxGroupDepth = SvgWriter::sMaxDepth - 2;
 /// Lines go on in another element when one has this many bytes.
 constexpr std::size_t sLinesSize = 1'000'000;
 
-/// Room for the extent of a drawing of usual size; when it needs more, the file is moved.
+/// Room for the extent of a drawing of usual size.
 constexpr std::size_t sViewSize = 110;
 
 /// Least extent of a drawing, in millimetres: without width or height nothing would be shown.
@@ -101,18 +101,18 @@ bool isUndoneByChildren(const Affine& map, const Node& node) {
 /// The file being written: the open groups, and the walk through trees of items.
 class SvgWriter::Document {
 public:
-    Document(std::string& output, const Options& options)
-        : mOutput(output), mOptions(options), mItems(output, options) {}
+    explicit Document(const Options& options) : mOptions(options), mItems(*mBuffer, options) {}
 
     void start(std::string_view title);
-    void end(const BoundingBox& viewBox);
+    void selectLayer(Layer layer);
+    std::vector<std::string_view> end(const BoundingBox& viewBox);
     bool startGroup(const Group& group);
     void endGroup();
     void startLines();
     void addLine(const Wm4::Vector2<float>& from, const Wm4::Vector2<float>& to);
     void endLines();
     void writeTree(const ItemInterface& item, const Affine& placement);
-    const std::vector<std::string>& getWarnings() const { return mItems.getWarnings(); }
+    std::vector<Warning> takeWarnings() { return mItems.takeWarnings(); }
 
 private:
     /// A group opened by the caller. It keeps its colours: the caller's texts need not outlive the call.
@@ -134,8 +134,10 @@ private:
         bool mIsOpen;  ///< has an element of its own
     };
 
-    void appendLineRule();
-    /// The attributes of the root element that are known at the end.
+    /// What comes before the layers: known at the end.
+    void writeHead(const BoundingBox& viewBox);
+    void appendLineRule(TextBuffer& buffer) const;
+    /// The attributes of the root element that say what is shown.
     std::string makeView(const BoundingBox& viewBox) const;
     WriteContext getContext() const;
     /// Opens a group of the tree, unless there is nothing to write in it.
@@ -145,38 +147,53 @@ private:
     bool closeElement(std::size_t start, std::size_t contentStart);
     bool canOpen() const { return mDepth < sMaxGroupDepth; }
 
-    std::string& mOutput;
     Options mOptions;
+    std::string mTitle;
+    std::string mHead;
+    std::string mBeneath;
+    std::string mAbove;
+    TextBuffer mBeneathBuffer{mBeneath};
+    TextBuffer mAboveBuffer{mAbove};
+    TextBuffer* mBuffer = &mAboveBuffer;  ///< of the layer that is written
     ItemWriter mItems;
-    TextBuffer& mBuffer = mItems.getBuffer();
     std::vector<CallerGroup> mCallerGroups;
     std::vector<TreeGroup> mTreeGroups;
     int mDepth = 0;
-    std::size_t mViewPosition = 0;
-    std::size_t mDefinitionsPosition = 0;
     std::size_t mLinesStart = 0;
     std::size_t mLinesContentStart = 0;
 };
 
 void SvgWriter::Document::start(std::string_view title) {
-    mBuffer.append("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\"");
-    mViewPosition = mBuffer.getSize();
-    mBuffer.append(std::string(sViewSize, ' '));
-    mBuffer.append(">\n");
+    mTitle = title;
     mDepth = 1;
-    mItems.appendTitle(title);
-    appendLineRule();
-    mDefinitionsPosition = mBuffer.getSize();
 }
 
-void SvgWriter::Document::appendLineRule() {
+void SvgWriter::Document::selectLayer(Layer layer) {
+    mBuffer = layer == Layer::Beneath ? &mBeneathBuffer : &mAboveBuffer;
+    mItems.setBuffer(*mBuffer);
+}
+
+void SvgWriter::Document::writeHead(const BoundingBox& viewBox) {
+    TextBuffer buffer(mHead);
+    buffer.append("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\"");
+    std::string view = makeView(viewBox);
+    view.resize(std::max(view.size(), sViewSize), ' ');
+    buffer.append(view);
+    buffer.append(">\n");
+    appendTitle(buffer, mTitle);
+    appendLineRule(buffer);
+    buffer.append(mItems.getGlyphs().takeElement());
+    buffer.flush();
+}
+
+void SvgWriter::Document::appendLineRule(TextBuffer& buffer) const {
     // An outline that keeps its width is as wide on the screen as in the drawing at its natural size: 96 pixels to an
     // inch. Renderers that do not know such outlines skip the rule and scale the drawing's line width.
     constexpr double pixelsPerMillimetre = 96.0 / 25.4;
-    mBuffer.append("<style>@supports(vector-effect:non-scaling-stroke){[vector-effect]{stroke-width:");
-    mBuffer.commit(formatCoordinate(mBuffer.reserve(sMaxNumberLength),
-                                    static_cast<double>(mOptions.mLineWidth) * pixelsPerMillimetre));
-    mBuffer.append("px}}</style>\n");
+    buffer.append("<style>@supports(vector-effect:non-scaling-stroke){[vector-effect]{stroke-width:");
+    buffer.commit(formatCoordinate(buffer.reserve(sMaxNumberLength),
+                                   static_cast<double>(mOptions.mLineWidth) * pixelsPerMillimetre));
+    buffer.append("px}}</style>\n");
 }
 
 std::string SvgWriter::Document::makeView(const BoundingBox& viewBox) const {
@@ -200,14 +217,13 @@ std::string SvgWriter::Document::makeView(const BoundingBox& viewBox) const {
     return {text, out};
 }
 
-void SvgWriter::Document::end(const BoundingBox& viewBox) {
-    mBuffer.append("</svg>\n");
-    mBuffer.flush();
-    mOutput.insert(mDefinitionsPosition, mItems.getGlyphs().takeElement());
-    const std::string view = makeView(viewBox);
-    // Blanks that are left over stay: closing the gap would move the whole file.
-    mOutput.replace(mViewPosition, std::min(view.size(), sViewSize), view);
+std::vector<std::string_view> SvgWriter::Document::end(const BoundingBox& viewBox) {
+    mAboveBuffer.append("</svg>\n");
+    mAboveBuffer.flush();
+    mBeneathBuffer.flush();
+    writeHead(viewBox);
     mDepth = 0;
+    return {mHead, mBeneath, mAbove};
 }
 
 WriteContext SvgWriter::Document::getContext() const {
@@ -222,21 +238,21 @@ WriteContext SvgWriter::Document::getContext() const {
 bool SvgWriter::Document::startGroup(const Group& group) {
     const Affine map(group.mTransform);
     if (!map.isFinite()) {
-        mItems.warn("a group", "a number is not finite");
+        mItems.warn(Warning::Kind::NumberNotFinite, "a group", sNotFinite);
         return false;
     }
     const WriteContext context = getContext();
     const Paint paint{group.mColor.empty() ? context.mWritten.mColor : group.mColor,
                       group.mOutlineColor.empty() ? context.mWritten.mOutlineColor : group.mOutlineColor};
-    const std::size_t start = mBuffer.getSize();
-    mBuffer.append("<g");
+    const std::size_t start = mBuffer->getSize();
+    mBuffer->append("<g");
     if (group.mTransform != Transform()) {
         mItems.appendTransform(map, context.mScale);
     }
     mItems.appendPaint(paint, context.mWritten);
-    mBuffer.append(">\n");
-    const std::size_t contentStart = mBuffer.getSize();
-    mItems.appendTitle(group.mTitle);
+    mBuffer->append(">\n");
+    const std::size_t contentStart = mBuffer->getSize();
+    appendTitle(*mBuffer, group.mTitle);
     mCallerGroups.push_back({std::string(paint.mColor), std::string(paint.mOutlineColor),
                              context.mScale * map.getScale(), start, contentStart});
     ++mDepth;
@@ -244,11 +260,11 @@ bool SvgWriter::Document::startGroup(const Group& group) {
 }
 
 bool SvgWriter::Document::closeElement(std::size_t start, std::size_t contentStart) {
-    if (mBuffer.getSize() == contentStart) {
-        mBuffer.truncate(start);
+    if (mBuffer->getSize() == contentStart) {
+        mBuffer->truncate(start);
         return false;
     }
-    mBuffer.append("</g>\n");
+    mBuffer->append("</g>\n");
     return true;
 }
 
@@ -259,22 +275,22 @@ void SvgWriter::Document::endGroup() {
 }
 
 void SvgWriter::Document::startLines() {
-    mLinesStart = mBuffer.getSize();
-    mBuffer.append("<path d=\"");
-    mLinesContentStart = mBuffer.getSize();
+    mLinesStart = mBuffer->getSize();
+    mBuffer->append("<path d=\"");
+    mLinesContentStart = mBuffer->getSize();
 }
 
 void SvgWriter::Document::addLine(const Wm4::Vector2<float>& from, const Wm4::Vector2<float>& to) {
     if (!std::isfinite(from.x) || !std::isfinite(from.y) || !std::isfinite(to.x) || !std::isfinite(to.y)) {
-        mItems.warn("a line", "a number is not finite");
+        mItems.warn(Warning::Kind::NumberNotFinite, "a line", sNotFinite);
         return;
     }
-    if (mBuffer.getSize() - mLinesStart > sLinesSize) {
+    if (mBuffer->getSize() - mLinesStart > sLinesSize) {
         endLines();
         startLines();
     }
     constexpr std::size_t lineSize = std::size_t{4} * (sMaxNumberLength + 1);
-    char* out = mBuffer.reserve(lineSize);
+    char* out = mBuffer->reserve(lineSize);
     *out++ = 'M';
     out = formatCoordinate(out, static_cast<double>(from.x));
     *out++ = ' ';
@@ -282,14 +298,14 @@ void SvgWriter::Document::addLine(const Wm4::Vector2<float>& from, const Wm4::Ve
     *out++ = 'L';
     out = formatCoordinate(out, static_cast<double>(to.x));
     *out++ = ' ';
-    mBuffer.commit(formatCoordinate(out, static_cast<double>(to.y)));
+    mBuffer->commit(formatCoordinate(out, static_cast<double>(to.y)));
 }
 
 void SvgWriter::Document::endLines() {
-    if (mBuffer.getSize() == mLinesContentStart) {
-        mBuffer.truncate(mLinesStart);
+    if (mBuffer->getSize() == mLinesContentStart) {
+        mBuffer->truncate(mLinesStart);
     } else {
-        mBuffer.append("\"/>\n");
+        mBuffer->append("\"/>\n");
     }
 }
 
@@ -302,7 +318,7 @@ void SvgWriter::Document::enter(const Node& node, const WriteContext& outer) {
     if (node.getTransform()) {
         context.mMap = outer.mMap * Affine(*node.getTransform());
         if (!context.mMap.isFinite()) {
-            mItems.warn("a group", "a number is not finite");
+            mItems.warn(Warning::Kind::NumberNotFinite, "a group", sNotFinite);
             return;
         }
     }
@@ -319,8 +335,8 @@ void SvgWriter::Document::enter(const Node& node, const WriteContext& outer) {
         mTreeGroups.push_back({&node, 0, context, 0, 0, false});
         return;
     }
-    const std::size_t start = mBuffer.getSize();
-    mBuffer.append("<g");
+    const std::size_t start = mBuffer->getSize();
+    mBuffer->append("<g");
     if (hasTransform) {
         mItems.appendTransform(context.mMap, outer.mScale);
         context.mScale *= context.mMap.getScale();
@@ -335,9 +351,9 @@ void SvgWriter::Document::enter(const Node& node, const WriteContext& outer) {
         context.mFont = font;
     }
     mItems.appendNames(node);
-    mBuffer.append(">\n");
+    mBuffer->append(">\n");
     ++mDepth;
-    mTreeGroups.push_back({&node, 0, context, start, mBuffer.getSize(), true});
+    mTreeGroups.push_back({&node, 0, context, start, mBuffer->getSize(), true});
 }
 
 void SvgWriter::Document::leave(const TreeGroup& group) {
@@ -374,12 +390,13 @@ void SvgWriter::Document::writeTree(const ItemInterface& item, const Affine& pla
     }
 }
 
-SvgWriter::SvgWriter(std::string& output, const Options& options)
-    : mDocument(std::make_unique<Document>(output, options)) {}
+SvgWriter::SvgWriter(const Options& options) : mDocument(std::make_unique<Document>(options)) {}
 
 SvgWriter::~SvgWriter() = default;
 
 void SvgWriter::startDocument(std::string_view title) { mDocument->start(title); }
+
+void SvgWriter::selectLayer(Layer layer) { mDocument->selectLayer(layer); }
 
 bool SvgWriter::startGroup(const Group& group) { return mDocument->startGroup(group); }
 
@@ -397,8 +414,8 @@ void SvgWriter::writeItem(const ItemInterface& item, const Transform* placement)
     mDocument->writeTree(item, placement != nullptr ? Affine(*placement) : Affine());
 }
 
-void SvgWriter::endDocument(const BoundingBox& viewBox) { mDocument->end(viewBox); }
+std::vector<std::string_view> SvgWriter::endDocument(const BoundingBox& viewBox) { return mDocument->end(viewBox); }
 
-const std::vector<std::string>& SvgWriter::getWarnings() const { return mDocument->getWarnings(); }
+std::vector<SvgWriter::Warning> SvgWriter::takeWarnings() { return mDocument->takeWarnings(); }
 
 }  // namespace kt::svg

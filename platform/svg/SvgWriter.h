@@ -14,7 +14,7 @@
 namespace kt::svg {
 
 /// Writes one SVG file: startDocument, then groups, lines and items in drawing order, then endDocument. The same calls
-/// give the same bytes on every machine and in every locale.
+/// give the same bytes on every machine and in every locale. What was written may be released at once.
 ///
 /// The file is well-formed XML whatever bytes the items hold (what XML cannot hold becomes U+FFFD) and refers to
 /// nothing outside itself. Coordinates differ from the items' by at most 0.0005 drawing units in the file's frame
@@ -35,6 +35,30 @@ public:
         Outlines,  ///< glyph outlines, each defined once; text without a glyph source stays text, with a warning
     };
 
+    /// A drawing has two layers, so that things which belong together but lie apart in depth can be written together.
+    enum class Layer : std::uint8_t {
+        Beneath,  ///< beneath everything in the other one
+        Above,
+    };
+
+    /// Something that was left out or replaced.
+    struct Warning {
+        enum class Kind : std::uint8_t {
+            NumberNotFinite,     ///< an item with such a number was left out
+            ColorUnknown,        ///< a colour that is neither a word nor #RRGGBB; the inherited one is drawn
+            PictureUnknown,      ///< no PNG, JPEG, GIF or WebP picture
+            PictureTooLarge,     ///< larger than 7,400,000 bytes
+            PictureWithoutData,  ///< a data URI that ends before its data
+            PictureNotBase64,    ///< a data URI whose data cannot be decoded
+            ElementTooLong,      ///< an item that would take more than sMaxElementSize bytes was left out
+            OutlinesMissing,     ///< text without a glyph source stays text among outlines
+            GlyphMissing,        ///< boxes stand for characters that no font has
+        };
+
+        Kind mKind;
+        std::string mWhat;  ///< an English sentence part: "an image was left out: ..."
+    };
+
     struct Options {
         TextMode mTextMode = TextMode::Text;
         float mLineWidth = 0.25F;  ///< of outlines, in drawing units (millimetres)
@@ -48,8 +72,7 @@ public:
         Transform mTransform;
     };
 
-    /// Appends to output, which must live until endDocument; text that is there already stays.
-    SvgWriter(std::string& output, const Options& options);
+    explicit SvgWriter(const Options& options);
     SvgWriter(const SvgWriter&) = delete;
     SvgWriter& operator=(const SvgWriter&) = delete;
     ~SvgWriter();
@@ -57,8 +80,11 @@ public:
     /// Whether all numbers of the item itself, not of a group's children, are finite, so that it can be written.
     static bool isWritable(const ItemInterface& item);
 
-    /// Begins the file.
+    /// Begins the file, in the layer above.
     void startDocument(std::string_view title);
+
+    /// What follows is drawn in this layer. Only outside all groups.
+    void selectLayer(Layer layer);
 
     /// Opens a group; false, and nothing is opened, when its transform is not finite (a warning says so). Groups nest
     /// freely up to half of sMaxDepth; deeper ones are a programming error.
@@ -77,12 +103,12 @@ public:
     /// Completes the file. The part of the plane that is shown comes last, so that it can be found while writing: what
     /// has just been written is still in the cache.
     /// @param viewBox  in millimetres, y down. A box without width or height is widened to a millimetre; one that is
-    /// empty
-    ///                 or not finite becomes a millimetre at the origin.
-    void endDocument(const BoundingBox& viewBox);
+    ///                 empty or not finite becomes a millimetre at the origin.
+    /// @return the file's text in pieces, in order; valid until the writer is destroyed.
+    std::vector<std::string_view> endDocument(const BoundingBox& viewBox);
 
-    /// What was left out or replaced, in order, one English sentence part each ("an image was left out: ...").
-    const std::vector<std::string>& getWarnings() const;
+    /// Hands over what was left out or replaced since the last call, in order.
+    std::vector<Warning> takeWarnings();
 
 private:
     class Document;

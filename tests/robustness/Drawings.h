@@ -13,7 +13,6 @@
 
 #include <cstddef>
 #include <string>
-#include <vector>
 
 namespace ktTest {
 
@@ -32,8 +31,7 @@ inline std::size_t countDrawings(const ktannot::LegacyDocument& document) {
         kt::ktPointer<kt::ktCadAnnotationView> migrated;
         if (migration.migrateAnnotationView(view.mView, migrated)) {
             std::string file;
-            std::vector<std::string> warnings;
-            kt::ktCadViewSvgWriter(kt::ktCadViewSvgWriter::Options()).write(*migrated, file, warnings);
+            kt::ktCadViewSvgWriter().write(*migrated, file);
             EXPECT_TRUE(kt::test::parseXml(file)) << file;
             ++count;
         }

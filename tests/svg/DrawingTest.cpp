@@ -12,8 +12,11 @@ namespace kt {
 namespace {
 
 using test::Point2;
+using testing::AllOf;
 using testing::ElementsAre;
+using testing::Field;
 using testing::IsEmpty;
+using testing::Property;
 
 constexpr float sPi = Wm4::Mathf::PI;
 
@@ -24,14 +27,16 @@ const svg::Transform sMirror{{1, 0, 0, -1}, {0, 0}};
 
 struct Drawing {
     explicit Drawing(const ktCadAnnotationView& view, const ktCadViewSvgWriter::Options& options = {}) {
-        ktCadViewSvgWriter(options).write(view, mText, mWarnings);
+        ktCadViewSvgWriter writer(options);
+        writer.write(view, mText);
+        mWarnings = writer.getWarnings();
         auto elements = test::parseXml(mText);
         EXPECT_TRUE(elements) << mText;
         mElements = std::move(elements).value_or(std::vector<test::XmlElement>());
     }
 
     std::string mText;
-    std::vector<std::string> mWarnings;
+    std::vector<ktCadViewSvgWriter::Warning> mWarnings;
     std::vector<test::XmlElement> mElements;
 };
 
@@ -112,9 +117,14 @@ TEST(Drawing, TellsWhatIsLeftOutAndKeepsItsBox) {
     addAnnotation(view, "B", {infinity, 0, 0}, {makeRect({0, 0}, {1, 1})});
     const Drawing drawing(view);
     EXPECT_EQ(drawing.mElements.at(0).getAttribute("viewBox"), "-5 -5 30 20");
-    EXPECT_THAT(drawing.mWarnings, ElementsAre("annotation 'A': a line was left out: a number is not finite",
-                                               "annotation 'A': a rectangle was left out: a number is not finite",
-                                               "annotation 'B': a group was left out: a number is not finite"));
+    const auto isWarning = [](std::size_t index, const std::string& name, const std::string& what) {
+        using Warning = ktCadViewSvgWriter::Warning;
+        const std::string sentence = "annotation '" + name + "': " + what + " was left out: a number is not finite";
+        return AllOf(Field(&Warning::mKind, Warning::Kind::NumberNotFinite), Field(&Warning::mAnnotation, index),
+                     Field(&Warning::mName, name), Property(&Warning::getSentence, sentence));
+    };
+    EXPECT_THAT(drawing.mWarnings, ElementsAre(isWarning(0, "A", "a line"), isWarning(0, "A", "a rectangle"),
+                                               isWarning(1, "B", "a group")));
 }
 
 TEST(DrawingPicture, OfTransforms) {

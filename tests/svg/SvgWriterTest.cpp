@@ -20,27 +20,40 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
+using Kind = SvgWriter::Warning::Kind;
+
 constexpr float sNan = std::numeric_limits<float>::quiet_NaN();
 constexpr float sInfinity = std::numeric_limits<float>::infinity();
+
+/// Completes the file and reads it.
+std::vector<test::XmlElement> endDocument(SvgWriter& writer, const BoundingBox& viewBox = {{0, 0}, {10, 10}}) {
+    std::string file;
+    for (const std::string_view piece : writer.endDocument(viewBox)) {
+        file += piece;
+    }
+    auto elements = test::parseXml(file);
+    EXPECT_TRUE(elements) << testing::PrintToString(file);
+    return std::move(elements).value_or(std::vector<test::XmlElement>(2));
+}
 
 /// A file with one item in it.
 struct Written {
     explicit Written(const ItemInterface& item, SvgWriter::TextMode mode = SvgWriter::TextMode::Text) {
-        SvgWriter writer(mText, {mode, 0.25F});
+        SvgWriter writer({mode, 0.25F});
         writer.startDocument("");
         writer.writeItem(item);
-        writer.endDocument({{0, 0}, {10, 10}});
-        mWarnings = writer.getWarnings();
-        auto elements = test::parseXml(mText);
-        EXPECT_TRUE(elements) << mText;
-        mElements = std::move(elements).value_or(std::vector<test::XmlElement>());
+        mElements = endDocument(writer);
+        for (const SvgWriter::Warning& warning : writer.takeWarnings()) {
+            mWarnings.push_back(warning.mWhat);
+            mKinds.push_back(warning.mKind);
+        }
     }
 
     std::size_t count(std::string_view name) const { return test::findElements(mElements, name).size(); }
     std::string describe() const { return test::describeElements(mElements); }
 
-    std::string mText;
     std::vector<std::string> mWarnings;
+    std::vector<Kind> mKinds;
     std::vector<test::XmlElement> mElements;
 };
 
@@ -71,17 +84,14 @@ TEST(SvgWriter, WritesTheViewBoxInMillimetres) {
         {{{-1e9F, -3e38F}, {1e9F, 3e38F}}, "2000000000mm", nullptr},
     };
     for (const auto& row : rows) {
-        std::string file;
-        SvgWriter writer(file, {});
+        SvgWriter writer({});
         writer.startDocument("a < b");
-        writer.endDocument(row.mBox);
-        const auto elements = test::parseXml(file);
-        ASSERT_TRUE(elements) << file;
-        EXPECT_EQ(elements->front().getAttribute("width"), row.mWidth);
+        const auto elements = endDocument(writer, row.mBox);
+        EXPECT_EQ(elements.front().getAttribute("width"), row.mWidth);
         if (row.mViewBox != nullptr) {
-            EXPECT_EQ(elements->front().getAttribute("viewBox"), row.mViewBox);
+            EXPECT_EQ(elements.front().getAttribute("viewBox"), row.mViewBox);
         }
-        EXPECT_EQ(elements->at(1).mText, "a < b");
+        EXPECT_EQ(elements.at(1).mText, "a < b");
     }
 }
 
@@ -139,16 +149,13 @@ TEST(SvgWriter, WritesWhatDiffersFromTheGroupsAround) {
 
 /// A text as a strict parser reads it back, from the title's content and from an attribute.
 std::pair<std::string, std::string> readBack(const std::string& text) {
-    std::string file;
-    SvgWriter writer(file, {});
+    SvgWriter writer({});
     writer.startDocument(text);
     const auto rect = makeRect({1, 2}, {3, 4});
     rect->setClass(text);
     writer.writeItem(*rect);
-    writer.endDocument({});
-    const auto elements = test::parseXml(file);
-    EXPECT_TRUE(elements) << testing::PrintToString(text);
-    return elements ? std::pair(elements->at(1).mText, elements->back().getAttribute("class")) : std::pair("", "");
+    const auto elements = endDocument(writer);
+    return {elements.at(1).mText, elements.back().getAttribute("class")};
 }
 
 TEST(SvgWriter, WritesTextsThatAreReadBack) {
@@ -196,8 +203,7 @@ TEST(SvgWriter, StaysWellFormedForRandomBytes) {
 TEST(SvgWriter, KeepsTheBlanksThatRenderersWouldDrop) {
     std::mt19937 random(12);
     std::vector<std::string> texts;
-    std::string file;
-    SvgWriter writer(file, {});
+    SvgWriter writer({});
     writer.startDocument("");
     for (int round = 0; round < 5000; ++round) {
         std::string& text = texts.emplace_back(1 + random() % 20, 'a');
@@ -209,8 +215,7 @@ TEST(SvgWriter, KeepsTheBlanksThatRenderersWouldDrop) {
     writer.startGroup(outlined);
     writer.writeItem(*makeText(texts.emplace_back("A")));
     writer.endGroup();
-    writer.endDocument({});
-    const auto elements = test::parseXml(file).value();
+    const auto elements = endDocument(writer);
     const auto written = test::findElements(elements, "text");
     ASSERT_EQ(written.size(), texts.size());
     for (std::size_t index = 0; index < texts.size(); ++index) {
@@ -229,7 +234,7 @@ TEST(SvgWriter, WritesOnlyColoursAsColours) {
         rect->setColor(color);
         const Written written(*rect);
         EXPECT_EQ(written.describe(), "rect height=4 width=3 x=1 y=2\n") << color;
-        EXPECT_EQ(written.mWarnings.size(), 1U) << color;
+        EXPECT_THAT(written.mKinds, ElementsAre(Kind::ColorUnknown)) << color;
     }
 }
 
@@ -279,11 +284,16 @@ TEST(SvgWriter, LeavesOutWhatCannotBeWritten) {
     EXPECT_THAT(written.mWarnings,
                 ElementsAre("a path" + reason, "a text" + reason, "an image" + reason, "a group" + reason,
                             "a rectangle" + reason, HasSubstr("an image was left out")));
+    std::vector<Kind> kinds(5, Kind::NumberNotFinite);
+    kinds.push_back(Kind::PictureUnknown);
+    EXPECT_EQ(written.mKinds, kinds);
 }
 
 TEST(SvgWriter, LeavesOutElementsThatAreTooLong) {
     const auto text = makeText(std::string(SvgWriter::sMaxElementSize, 'x'));
-    EXPECT_EQ(Written(*text).count("text"), 0U);
+    const Written written(*text);
+    EXPECT_EQ(written.count("text"), 0U);
+    EXPECT_THAT(written.mKinds, ElementsAre(Kind::ElementTooLong));
     text->setText(std::string(SvgWriter::sMaxElementSize - 1000, 'x'));
     EXPECT_EQ(Written(*text).count("text"), 1U);
 }
@@ -319,23 +329,24 @@ TEST(SvgWriter, FlattensWhatIsNestedTooDeeply) {
 class TriangleSource final : public GlyphSource {
 public:
     TriangleSource() {
-        mOutline.moveTo({0, 0});
-        mOutline.lineTo({1, 0});
-        mOutline.lineTo({0.33333F, -1});
-        mOutline.close();
+        mOutline->moveTo({0, 0});
+        mOutline->lineTo({1, 0});
+        mOutline->lineTo({0.33333F, -1});
+        mOutline->close();
     }
     void appendGlyphs(const Text& text, std::vector<PlacedGlyph>& glyphs) const override {
         float x = 0.0F;
         for (const char character : text.getText()) {
             if (character != ' ') {
-                glyphs.push_back({&mOutline, {x, 0}, text.getSize()});
+                glyphs.push_back({mOutline.get(), {x, 0}, text.getSize()});
             }
             x += text.getSize();
         }
     }
+    std::shared_ptr<const void> getOutlineOwner() const override { return mOutline; }
 
 private:
-    Path mOutline;
+    std::shared_ptr<Path> mOutline = std::make_shared<Path>();
 };
 
 TEST(SvgWriter, DefinesEachGlyphOnce) {
@@ -353,7 +364,7 @@ TEST(SvgWriter, DefinesEachGlyphOnce) {
         "g transform=matrix(2 0 0 2 1 2)\n.use href=#g1 x=0\n.use href=#g1 x=2\n.use href=#g1 x=3\n";
     EXPECT_EQ(written.describe(), "defs\n.path d=M0 0L1 0L0.33333 -1Z id=g1\n" + uses + uses + "text" + sFont +
                                       sLength + " x=1 y=2 | without outlines\n");
-    EXPECT_EQ(written.mWarnings.size(), 1U);
+    EXPECT_THAT(written.mKinds, ElementsAre(Kind::OutlinesMissing));
 }
 
 TEST(SvgWriter, WritesPathsInAbsoluteCommands) {

@@ -194,7 +194,10 @@ DocumentMigrator::CadView DocumentMigrator::migrateView(const LegacyDocument& do
 
 void DocumentMigrator::writeDrawing(const kt::ktCadAnnotationView& view, ViewResult& viewResult,
                                     DocumentResult& result) {
-    mWriter.write(view, mFile, viewResult.mWarnings);
+    mWriter.write(view, mFile);
+    for (const kt::ktCadViewSvgWriter::Warning& warning : mWriter.getWarnings()) {
+        viewResult.mWarnings.push_back(warning.getSentence());
+    }
     if (mOptions.isToStandardOutput()) {
         result.mText += mFile;
     } else {
