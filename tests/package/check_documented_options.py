@@ -11,7 +11,7 @@ import shutil
 import subprocess
 import sys
 
-OPTION = re.compile(r"(?<![\w-])(--?[a-z][a-z-]*)")
+OPTION = re.compile(r"(?<![\w-])(--?[a-z0-9][a-z-]*)")
 # Program that reads the file without carrying it out; groff tells of trouble on standard error alone.
 READERS = {
     "docs/ktannot.1": ["groff", "-man", "-ww", "-z", "-K", "utf8"],
@@ -32,10 +32,9 @@ def commands_in(text):
 
 
 def options_in_help(text):
-    """The options that begin the lines below "Options:"."""
-    block = re.search(r"^Options:\n((?:  .*\n)+)", text, re.MULTILINE)
+    """The options that begin the lines below "Options:" and the other groups."""
     # "-o,--output TEXT ...": the names end at the first blank.
-    names = re.findall(r"^  (-\S+)", block.group(1), re.MULTILINE) if block else []
+    names = re.findall(r"^  (-\S+)", text, re.MULTILINE)
     return {option for name in names for option in name.split(",")}
 
 
@@ -44,7 +43,7 @@ def options_in_file(name, text):
     if name.endswith(".fish"):
         text = "\n".join(line for line in text.splitlines() if line.startswith("complete "))
         return {"--" + word for word in re.findall(r" -l ([a-z-]+)", text)} | {
-            "-" + letter for letter in re.findall(r" -s ([a-z]) ", text)}
+            "-" + letter for letter in re.findall(r" -s ([a-z0-9]) ", text)}
     if name.endswith(".1"):
         text = re.sub(r"\\f[BRI]", " ", text).replace("\\-", "-")
     return set(OPTION.findall(text))

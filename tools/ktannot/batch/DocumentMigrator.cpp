@@ -3,9 +3,9 @@
 #include "tools/ktannot/DocumentLog.h"
 #include "tools/ktannot/NestedLeaders.h"
 #include "tools/ktannot/batch/MetadataAcceptance.h"
+#include "tools/ktannot/batch/ResultFile.h"
 #include "tools/ktannot/batch/StopSignal.h"
 #include "tools/ktannot/console/TextOutput.h"
-#include "tools/ktannot/files/OutputFile.h"
 #include "tools/ktannot/files/SafeName.h"
 #include "tools/ktannot/report/CadJson.h"
 #include "tools/ktannot/report/JsonWriter.h"
@@ -38,10 +38,6 @@ kt::ktCadViewSvgWriter::Options getWriterOptions(const MigrationOptions& options
 bool exists(const std::string& path) {
     std::error_code error;
     return std::filesystem::exists(std::filesystem::symlink_status(path, error));
-}
-
-OutputFile::Existing getPublishMode(MigrationOptions::Existing existing) {
-    return existing == MigrationOptions::Existing::Replace ? OutputFile::Existing::Replace : OutputFile::Existing::Keep;
 }
 
 /// Why the loader made no view: the last of its messages about it.
@@ -86,7 +82,23 @@ DocumentResult DocumentMigrator::migrate(const Input& input) {
     return result;
 }
 
+std::string DocumentMigrator::findWrongView(std::size_t count) const {
+    if (mOptions.mView > count) {
+        return "there is no view " + std::to_string(mOptions.mView) + ", it holds " + std::to_string(count);
+    }
+    if (mOptions.isToStandardOutput() && !isDump() && mOptions.mView == 0 && count > 1) {
+        return "it holds " + std::to_string(count) +
+               " views, and standard output takes one drawing: choose it with --view, or a folder for all with -o";
+    }
+    return {};
+}
+
 void DocumentMigrator::migrateViews(const Input& input, DocumentResult& result) {
+    result.mReason = findWrongView(result.mDocument.getViews().size());
+    if (!result.mReason.empty()) {
+        result.mOutcome = mOptions.mView == 0 ? ExitCode::WrongUsage : worst(result.mOutcome, ExitCode::Refused);
+        return;
+    }
     const bool isTaken = planFiles(input, result);
     if (isTaken && mOptions.mExisting == MigrationOptions::Existing::Fail) {
         result.mReason = "drawings of it are in '" + mOptions.mOutput +
@@ -99,6 +111,10 @@ void DocumentMigrator::migrateViews(const Input& input, DocumentResult& result) 
     std::vector<CadView> dumped;
     for (std::size_t index = 0; index < result.mViews.size(); ++index) {
         ViewResult& viewResult = result.mViews[index];
+        if (!isWanted(index)) {
+            viewResult.mState = ViewResult::State::Unwanted;
+            continue;
+        }
         if (StopSignal::getPending() != 0) {
             viewResult.mState = ViewResult::State::Stopped;
             result.mIsStopped = true;
@@ -112,13 +128,15 @@ void DocumentMigrator::migrateViews(const Input& input, DocumentResult& result) 
         result.mDocument.releaseView(index);
         finishView(std::move(view), viewResult, result, dumped);
     }
-    if (!isDump() || isKept) {
+    if (!isDump() || isKept || mOptions.mIsDryRun) {
         return;
     }
     if (result.mIsStopped) {
         // A dump holds all views or is not there: --skip-existing could not tell a part from the whole.
         for (ViewResult& viewResult : result.mViews) {
-            viewResult.mState = ViewResult::State::Stopped;
+            if (viewResult.mState != ViewResult::State::Unwanted) {
+                viewResult.mState = ViewResult::State::Stopped;
+            }
         }
     } else {
         writeDump(dumped, input, result);
@@ -131,7 +149,7 @@ bool DocumentMigrator::planFiles(const Input& input, DocumentResult& result) con
     for (const LegacyDocument::View& view : result.mDocument.getViews()) {
         ViewResult& viewResult = result.mViews.emplace_back();
         viewResult.mName = view.mView != nullptr ? view.mView->GetName() : std::string();
-        if (isToFiles && !isDump()) {
+        if (isToFiles && !isDump() && isWanted(result.mViews.size() - 1)) {
             viewResult.mFile = getDrawingPath(input, result.mViews.size(), viewResult.mName);
             isTaken = isTaken || exists(viewResult.mFile);
         }
@@ -144,7 +162,7 @@ void DocumentMigrator::finishView(CadView view, ViewResult& viewResult, Document
     if (view == nullptr) {
         result.mOutcome = worst(result.mOutcome, ExitCode::Refused);
     } else if (isDump()) {
-        viewResult.mState = ViewResult::State::Written;
+        viewResult.mState = mOptions.mIsDryRun ? ViewResult::State::Planned : ViewResult::State::Written;
     } else {
         writeDrawing(*view, viewResult, result);
     }
@@ -198,10 +216,14 @@ void DocumentMigrator::writeDrawing(const kt::ktCadAnnotationView& view, ViewRes
     for (const kt::ktCadViewSvgWriter::Warning& warning : mWriter.getWarnings()) {
         viewResult.mWarnings.push_back(warning.getSentence());
     }
+    if (mOptions.mIsDryRun) {
+        viewResult.mState = ViewResult::State::Planned;
+        return;
+    }
     if (mOptions.isToStandardOutput()) {
         result.mText += mFile;
     } else {
-        viewResult.mReason = write(viewResult.mFile, mFile);
+        viewResult.mReason = ResultFile::write(viewResult.mFile, mFile, mOptions);
     }
     viewResult.mState = viewResult.mReason.empty() ? ViewResult::State::Written : ViewResult::State::Failed;
     if (viewResult.mState == ViewResult::State::Failed) {
@@ -233,19 +255,15 @@ void DocumentMigrator::writeDump(const std::vector<CadView>& views, const Input&
         result.mText = text.takeText();
         return;
     }
-    result.mReason = write(getDumpPath(input), text.getText());
+    result.mReason = ResultFile::write(getDumpPath(input), text.getText(), mOptions);
     if (!result.mReason.empty()) {
         result.mOutcome = worst(result.mOutcome, ExitCode::EnvironmentFailed);
+        for (ViewResult& view : result.mViews) {
+            if (view.mState == ViewResult::State::Written) {
+                view.mState = ViewResult::State::Failed;
+            }
+        }
     }
-}
-
-std::string DocumentMigrator::write(const std::string& path, std::string_view content) const {
-    OutputFile file(path);
-    std::string failure = file.getFailure();
-    if (failure.empty()) {
-        failure = file.write(content);
-    }
-    return failure.empty() ? file.publish(getPublishMode(mOptions.mExisting)) : failure;
 }
 
 std::string DocumentMigrator::getDrawingPath(const Input& input, std::size_t number,

@@ -35,6 +35,10 @@ private:
 
     bool isDump() const { return mOptions.mFormat == MigrationOptions::Format::Json; }
 
+    bool isWanted(std::size_t view) const { return mOptions.mView == 0 || mOptions.mView == view + 1; }
+
+    /// Why a document of that many views has none to make; empty when all is well.
+    std::string findWrongView(std::size_t count) const;
     void migrateViews(const Input& input, DocumentResult& result);
     /// Lists the views with the files that they will be drawn to; true when one of the files is there already.
     bool planFiles(const Input& input, DocumentResult& result) const;
@@ -43,7 +47,6 @@ private:
     CadView migrateView(const LegacyDocument& document, const LegacyDocument::View& view, ViewResult& viewResult);
     void writeDrawing(const kt::ktCadAnnotationView& view, ViewResult& viewResult, DocumentResult& result);
     void writeDump(const std::vector<CadView>& views, const Input& input, DocumentResult& result);
-    std::string write(const std::string& path, std::string_view content) const;
     /// @param number  of the view within the document, from 1.
     std::string getDrawingPath(const Input& input, std::size_t number, const std::string& viewName) const;
     std::string getDumpPath(const Input& input) const;

@@ -3,11 +3,14 @@
 /// @file
 /// What a migration is asked to do.
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 
 namespace ktannot {
+
+class InputSet;
 
 /// The options of the migrate command that matter for one document.
 struct MigrationOptions {
@@ -16,6 +19,7 @@ struct MigrationOptions {
     enum class Existing { Fail, Skip, Replace };
 
     bool isToStandardOutput() const { return mOutput == "-"; }
+    bool isDump() const { return mFormat == Format::Json; }
     /// Where the results of a document go, without a suffix.
     std::string getPlace(const std::string& documentName) const {
         return (mOutput.ends_with('/') ? mOutput : mOutput + '/') + documentName;
@@ -28,7 +32,10 @@ struct MigrationOptions {
     int mAcceptedMetadata = 0;                  ///< flags of the migration
     Format mFormat = Format::Svg;
     Existing mExisting = Existing::Fail;
+    std::size_t mView = 0;   ///< number of the only view that is wanted of each document; 0: all are
+    bool mIsDryRun = false;  ///< do everything but write results
     bool mHasTextOutlines = false;
+    const InputSet* mInputs = nullptr;  ///< the files that are never written to; null when there are none
 };
 
 }  // namespace ktannot

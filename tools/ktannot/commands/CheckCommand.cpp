@@ -30,9 +30,9 @@ ExitCode CheckCommand::run(Surroundings& surroundings) {
     const InputSet inputs(mArguments);
     DocumentCensus census;
     ExitCode outcome = ExitCode::AllWell;
-    for (const Input& input : inputs.getInputs()) {
+    for (std::size_t index = 0; index < inputs.size(); ++index) {
         DocumentLog::Capture log;
-        const LegacyDocument document = LegacyDocument::load(input, mMemoryLimit);
+        const LegacyDocument document = LegacyDocument::load(inputs[index], mMemoryLimit);
         census.add(document);
         outcome = worst(outcome, document.getOutcome());
         if (document.getState() == LegacyDocument::State::Skipped) {
@@ -47,7 +47,7 @@ ExitCode CheckCommand::run(Surroundings& surroundings) {
         tellLog(console, document, log.getLines());
     }
     if (!mIsJson) {
-        printSummary(console.out(), census);
+        printSummary(console.out(), census, inputs.getPassedOver().describe());
     }
     return outcome;
 }
@@ -84,7 +84,7 @@ void CheckCommand::printFindings(TextOutput& output, const LegacyDocument& docum
     }
 }
 
-void CheckCommand::printSummary(TextOutput& output, const DocumentCensus& census) {
+void CheckCommand::printSummary(TextOutput& output, const DocumentCensus& census, const std::string& passedOver) {
     std::string text = countOf(census.mDocuments, "document") + ": " + census.describeContent();
     text += "; " + countOf(census.mProblems, "problem") + ", " + countOf(census.mMessages, "message");
     text +=
@@ -94,6 +94,9 @@ void CheckCommand::printSummary(TextOutput& output, const DocumentCensus& census
     }
     if (census.mSkippedFiles != 0) {
         text += "; skipped: " + countOf(census.mSkippedFiles, "file") + " without a view map";
+    }
+    if (!passedOver.empty()) {
+        text += "; passed over: " + passedOver;
     }
     output.write(text + "\n");
 }

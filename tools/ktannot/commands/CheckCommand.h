@@ -20,7 +20,7 @@ public:
 
 private:
     static void printFindings(TextOutput& output, const LegacyDocument& document);
-    static void printSummary(TextOutput& output, const DocumentCensus& census);
+    static void printSummary(TextOutput& output, const DocumentCensus& census, const std::string& passedOver);
     static void writeJson(TextOutput& output, const LegacyDocument& document);
 
     std::vector<std::string> mArguments;

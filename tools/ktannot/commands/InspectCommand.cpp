@@ -31,9 +31,9 @@ ExitCode InspectCommand::run(Surroundings& surroundings) {
     JsonWriter json(console.out());
     LegacyTree tree(console.out(), Console::isColored(mColor));
     ExitCode outcome = ExitCode::AllWell;
-    for (const Input& input : inputs.getInputs()) {
+    for (std::size_t index = 0; index < inputs.size(); ++index) {
         DocumentLog::Capture log;
-        const LegacyDocument document = LegacyDocument::load(input, mMemoryLimit);
+        const LegacyDocument document = LegacyDocument::load(inputs[index], mMemoryLimit);
         if (document.getState() == LegacyDocument::State::Skipped) {
             continue;
         }

@@ -1,11 +1,15 @@
 #include "tools/ktannot/commands/MigrateCommand.h"
 
+#include "tools/ktannot/EnvironmentError.h"
 #include "tools/ktannot/UsageError.h"
 #include "tools/ktannot/batch/DocumentMigrator.h"
 #include "tools/ktannot/batch/MetadataAcceptance.h"
+#include "tools/ktannot/batch/OutputCheck.h"
 #include "tools/ktannot/batch/StopSignal.h"
 #include "tools/ktannot/console/ProgressBar.h"
 #include "tools/ktannot/console/TerminalText.h"
+#include "tools/ktannot/console/TextOutput.h"
+#include "tools/ktannot/files/SideOutput.h"
 #include "tools/ktannot/report/MigrationCounts.h"
 #include "tools/ktannot/report/MigrationReportFile.h"
 #include "tools/ktannot/report/MigrationReportText.h"
@@ -22,8 +26,8 @@
 #include <cmath>
 #include <csignal>
 #include <exception>
-#include <fstream>
-#include <map>
+#include <filesystem>
+#include <limits>
 #include <memory>
 #include <mutex>
 #include <new>
@@ -62,7 +66,7 @@ DocumentResult migrateSafely(DocumentMigrator& migrator, const Input& input) {
 /// @param receive  called on one thread at a time.
 /// @param isDone   asked before each document, on one thread at a time: whether no more are wanted.
 template <typename Receive, typename IsDone>
-void migrateAll(const std::vector<Input>& inputs, const MigrationOptions& options, int jobs, const Receive& receive,
+void migrateAll(const InputSet& inputs, const MigrationOptions& options, int jobs, const Receive& receive,
                 const IsDone& isDone) {
     namespace tbb = oneapi::tbb;
     const tbb::global_control stackSize(tbb::global_control::thread_stack_size, sThreadStackSize);
@@ -100,7 +104,8 @@ std::string MigrateCommand::getDetails() const {
            "  ktannot migrate archive/                     every document below archive/ to migrated/\n"
            "  ktannot migrate a.kts b.json -o drawings     two documents to drawings/\n"
            "  ktannot migrate archive/ --accept all        also what carries metadata, which drawings cannot keep\n"
-           "  ktannot migrate note.kts -o - > note.svg     the drawing to standard output\n"
+           "  ktannot migrate note.kts --view 1 -o - > note.svg\n"
+           "                                               one drawing to standard output\n"
            "  ktannot migrate archive/ --report done.json --skip-existing\n"
            "                                               go on where an earlier run ended, and report for programs\n"
            "\n"
@@ -111,7 +116,19 @@ std::string MigrateCommand::getDetails() const {
 }
 
 void MigrateCommand::declareOptions(CLI::App& app) {
-    declareInputs(app, mInputs);
+    app.add_option("INPUT", mInputs, "Files, folders (searched for *.kts and *.json) or - for standard input")
+        ->type_name("");
+    app.add_option("--files-from", mInputOptions.mListPath, "A file with more inputs, one a line; - is standard input")
+        ->type_name("FILE");
+    app.add_flag("-0", mInputOptions.mIsListNulSeparated, "The entries of that list end with a NUL byte")
+        ->needs("--files-from");
+    app.add_option("--base", mInputOptions.mBase, "Folder below which results mirror the paths of the inputs")
+        ->type_name("DIR");
+    app.add_option("--shard", mShardText, "Only the I-th of N parts of the inputs, for many machines")
+        ->type_name("I/N");
+    app.add_option("--view", mOptions.mView, "Only the view with that number of each document")
+        ->type_name("N")
+        ->check(CLI::Range(std::size_t{1}, std::numeric_limits<std::size_t>::max()).description(""));
     app.add_option("-o,--output", mOptions.mOutput, "Folder for the results, or - for standard output")
         ->type_name("DIR")
         ->capture_default_str();
@@ -125,7 +142,7 @@ void MigrateCommand::declareOptions(CLI::App& app) {
     app.add_option("--head-size", mHeadSize, "Size of leader heads in millimetres")
         ->type_name("S")
         ->capture_default_str();
-    app.add_option("--raster-dir", mRasterFolder,
+    app.add_option("--raster-dir", mOptions.mRasterFolder,
                    "Where pictures are looked up by name; without it the document's folder and its folder images")
         ->type_name("DIR");
     app.add_option("--text", mTextModeName, "text: searchable text; outlines: paths, the same with any font")
@@ -138,13 +155,20 @@ void MigrateCommand::declareOptions(CLI::App& app) {
     auto* force = app.add_flag("--force", mIsForced, "Replace drawings that are there already");
     app.add_flag("--skip-existing", mIsSkipping, "Keep drawings that are there already and make the others")
         ->excludes(force);
+    app.add_flag("--dry-run", mOptions.mIsDryRun, "Do everything but write results, and tell what would be written");
     declareMemoryLimit(app, mOptions.mMemoryLimit);
     auto* quiet = app.add_flag("-q,--quiet", mIsQuiet, "Tell only what went wrong");
-    app.add_flag("-v,--verbose", mVerbosity, "Name every drawing; twice: log details too")->excludes(quiet);
+    app.add_flag("-v,--verbose", mIsVerbose, "Name every drawing")->excludes(quiet);
     app.add_option("--log-file", mLogPath, "Append the log to a file")->type_name("FILE");
 }
 
 void MigrateCommand::checkOptions() {
+    if (mInputs.empty() && !mInputOptions.mListPath) {
+        throw UsageError("INPUT is required: name documents or folders, or a list of them with --files-from");
+    }
+    if (!mShardText.empty()) {
+        parseShard();
+    }
     const std::optional<int> accepted = MetadataAcceptance::parse(mAcceptedWords);
     if (!mAcceptedWords.empty() && !accepted) {
         throw UsageError("--accept takes view-metadata, known-metadata, other-metadata or all, not '" +
@@ -158,9 +182,6 @@ void MigrateCommand::checkOptions() {
     if (mOptions.mOutput.empty()) {
         throw UsageError("--output takes a folder, or - for standard output");
     }
-    if (!mRasterFolder.empty()) {
-        mOptions.mRasterFolder = mRasterFolder;
-    }
     mOptions.mFormat = mFormatName == "json" ? MigrationOptions::Format::Json : MigrationOptions::Format::Svg;
     mOptions.mHasTextOutlines = mTextModeName == "outlines";
     if (mIsForced) {
@@ -170,66 +191,111 @@ void MigrateCommand::checkOptions() {
     }
 }
 
+void MigrateCommand::parseShard() {
+    const char* end = mShardText.data() + mShardText.size();
+    const auto [slash, shardError] = std::from_chars(mShardText.data(), end, mShard);
+    if (shardError == std::errc() && slash != end && *slash == '/') {
+        const auto [parsed, shardsError] = std::from_chars(slash + 1, end, mShards);
+        if (shardsError == std::errc() && parsed == end && mShard >= 1 && mShard <= mShards) {
+            return;
+        }
+    }
+    throw UsageError("--shard takes I/N with I from 1 to N, for example 1/7, not '" + mShardText + "'");
+}
+
 void MigrateCommand::refuseSharedPlaces(const InputSet& inputs) const {
     if (mOptions.isToStandardOutput()) {
         return;
     }
-    std::map<std::string, const Input*> byName;
-    for (const Input& input : inputs.getInputs()) {
-        if (!input.mFailure.empty()) {
-            continue;
-        }
-        const auto [other, isNew] = byName.try_emplace(input.mDocumentName, &input);
-        if (!isNew) {
-            throw UsageError("'" + makeTerminalText(other->second->mSource) + "' and '" +
-                             makeTerminalText(input.mSource) + "' would both be written to '" +
-                             makeTerminalText(mOptions.getPlace(input.mDocumentName)) +
-                             "': migrate them one by one, each with an --output of its own");
-        }
+    if (const auto namesakes = inputs.findNamesakes()) {
+        const auto& [one, other] = *namesakes;
+        throw UsageError("'" + one.mSource + "' and '" + other.mSource + "' would both be written to '" +
+                         mOptions.getPlace(one.mDocumentName) +
+                         "': mirror their paths with --base DIR, or give each an --output of its own");
     }
 }
 
-bool MigrateCommand::openLogFile(DocumentLog& log) const {
-    if (mVerbosity > 1 || !mLogPath.empty()) {
-        log.setThreshold(kt::ktLog::Debug);
+void MigrateCommand::checkOutputs(const InputSet& inputs) const {
+    const OutputCheck check(inputs, mIsForced);
+    std::vector<std::string> onStandardOutput;
+    const auto add = [&](const std::string& option, const std::string& path) {
+        if (SideOutput::isStandardOutput(path)) {
+            onStandardOutput.push_back(option);
+        }
+    };
+    add("-o", mOptions.mOutput);
+    if (mReportPath) {
+        check.checkReport("--report", *mReportPath);
+        add("--report", *mReportPath);
     }
-    if (mLogPath.empty()) {
-        return true;
+    if (mLogPath) {
+        check.checkLog("--log-file", *mLogPath);
+        add("--log-file", *mLogPath);
     }
-    const auto file = std::make_shared<std::ofstream>(mLogPath, std::ios::app | std::ios::binary);
-    if (!*file) {
-        return false;
+    if (onStandardOutput.size() > 1) {
+        throw UsageError(onStandardOutput[0] + " and " + onStandardOutput[1] +
+                         " cannot both go to standard output; name a file for one of them");
     }
-    log.setListener([file](const kt::ktLogEntry& entry) {
-        *file << entry.mMilliseconds << " [" << entry.mType << "] " << makeTerminalText(entry.mMessage) << '\n'
-              << std::flush;
+    if (mReportPath && mLogPath && FileIdentity::of(*mReportPath) &&
+        FileIdentity::of(*mReportPath) == FileIdentity::of(*mLogPath)) {
+        throw UsageError("--report and --log-file name the same file");
+    }
+    if (mOptions.mRasterFolder && !std::filesystem::is_directory(*mOptions.mRasterFolder)) {
+        throw UsageError("--raster-dir takes a folder that is there, not '" + *mOptions.mRasterFolder + "'");
+    }
+    if (!mOptions.isToStandardOutput() && !mOptions.mIsDryRun) {
+        check.checkFolder(mOptions.mOutput);
+    }
+}
+
+bool MigrateCommand::isStandardOutputTaken() const {
+    return mOptions.isToStandardOutput() || (mReportPath && SideOutput::isStandardOutput(*mReportPath)) ||
+           (mLogPath && SideOutput::isStandardOutput(*mLogPath));
+}
+
+void MigrateCommand::openLogFile(DocumentLog& log) const {
+    if (!mLogPath) {
+        return;
+    }
+    log.setThreshold(kt::ktLog::Debug);
+    const auto file = std::make_shared<SideOutput>(*mLogPath, SideOutput::Way::Append);
+    if (!file->getFailure().empty()) {
+        throw EnvironmentError(*mLogPath + ": the log file " + file->getFailure());
+    }
+    const auto text = std::make_shared<TextOutput>(file->getDescriptor());
+    log.setListener([file, text](const kt::ktLogEntry& entry) {
+        text->write(std::to_string(entry.mMilliseconds) + " [" + std::to_string(entry.mType) + "] " +
+                    makeTerminalText(entry.mMessage) + "\n");
+        text->flush();
     });
-    return true;
 }
 
 ExitCode MigrateCommand::run(Surroundings& surroundings) {
     checkOptions();
-    const InputSet inputs(mInputs);
+    InputSet inputs(mInputs, mInputOptions);
+    if (mOptions.isToStandardOutput() && !mOptions.isDump() && inputs.size() > 1) {
+        throw UsageError("-o - writes one drawing, and there are " + std::to_string(inputs.size()) +
+                         " documents: name one, or a folder for all with -o");
+    }
     refuseSharedPlaces(inputs);
+    checkOutputs(inputs);
+    inputs.keepShard(mShard, mShards);
+    mOptions.mInputs = &inputs;
 
     Console& console = surroundings.mConsole;
-    if (!openLogFile(surroundings.mLog)) {
-        console.tell(makeTerminalText(mLogPath) + ": the log file cannot be opened");
-        return ExitCode::EnvironmentFailed;
-    }
+    openLogFile(surroundings.mLog);
     std::unique_ptr<MigrationReportFile> reportFile;
-    if (!mReportPath.empty()) {
-        reportFile = std::make_unique<MigrationReportFile>(mReportPath);
+    if (mReportPath) {
+        reportFile = std::make_unique<MigrationReportFile>(*mReportPath);
         if (!reportFile->getFailure().empty()) {
-            console.tell(makeTerminalText(mReportPath) + ": " + reportFile->getFailure());
-            return ExitCode::EnvironmentFailed;
+            throw EnvironmentError(*mReportPath + ": the report " + reportFile->getFailure());
         }
     }
 
     const StopSignal stopSignal;
-    const std::size_t total = inputs.getInputs().size();
+    const std::size_t total = inputs.size();
     ProgressBar progress(total, console.isErrorTerminal() && !mIsQuiet);
-    MigrationReportText reportText(console, mIsQuiet, mVerbosity > 0, mOptions.isToStandardOutput());
+    MigrationReportText reportText(console, mIsQuiet, mIsVerbose, isStandardOutputTaken());
     MigrationCounts counts;
     ExitCode outcome = ExitCode::AllWell;
     std::size_t done = 0;
@@ -251,8 +317,7 @@ ExitCode MigrateCommand::run(Surroundings& surroundings) {
         }
         progress.advance();
     };
-    migrateAll(inputs.getInputs(), mOptions, jobs, receive,
-               [&] { return isOutputGone || StopSignal::getPending() != 0; });
+    migrateAll(inputs, mOptions, jobs, receive, [&] { return isOutputGone || StopSignal::getPending() != 0; });
 
     progress.clear();
     const int signal = StopSignal::getPending();
@@ -261,11 +326,11 @@ ExitCode MigrateCommand::run(Surroundings& surroundings) {
     }
     if (reportFile != nullptr) {
         if (const std::string failure = reportFile->finish(counts, outcome); !failure.empty()) {
-            console.tell(makeTerminalText(mReportPath) + ": " + failure);
+            console.tell(makeTerminalText(*mReportPath) + ": " + failure);
             outcome = worst(outcome, ExitCode::EnvironmentFailed);
         }
     }
-    reportText.finish(counts, mOptions.mOutput);
+    reportText.finish(counts, mOptions.mOutput, mOptions.mIsDryRun, inputs.getPassedOver().describe());
     if (signal != 0) {
         console.tell("interrupted after " + std::to_string(done) + " of " + std::to_string(total) +
                      " documents; what was written is whole. --skip-existing goes on from here");

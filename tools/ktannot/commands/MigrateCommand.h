@@ -7,6 +7,8 @@
 #include "tools/ktannot/batch/MigrationOptions.h"
 #include "tools/ktannot/commands/Command.h"
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,24 +26,31 @@ public:
 
 private:
     void checkOptions();
+    void parseShard();
     void refuseSharedPlaces(const InputSet& inputs) const;
-    /// False when there is a log file that cannot be opened.
-    bool openLogFile(DocumentLog& log) const;
+    /// Refuses outputs that would harm something or cannot work.
+    void checkOutputs(const InputSet& inputs) const;
+    /// Whether standard output carries results, a report or a log, and nothing for people.
+    bool isStandardOutputTaken() const;
+    void openLogFile(DocumentLog& log) const;
 
     std::vector<std::string> mInputs;
+    InputSet::Options mInputOptions;
     MigrationOptions mOptions;
+    std::string mShardText;
+    std::uint64_t mShard = 1;
+    std::uint64_t mShards = 1;
     std::string mFormatName = "svg";
     std::string mAcceptedWords;
     std::string mTextModeName = "text";
-    std::string mRasterFolder;
-    std::string mReportPath;
-    std::string mLogPath;
+    std::optional<std::string> mReportPath;
+    std::optional<std::string> mLogPath;
     double mHeadSize = 3.0;
     int mJobs = 0;
-    int mVerbosity = 0;
     bool mIsForced = false;
     bool mIsSkipping = false;
     bool mIsQuiet = false;
+    bool mIsVerbose = false;
 };
 
 }  // namespace ktannot

@@ -16,17 +16,18 @@ _ktannot() {
         --text) words='text outlines' ;;
         --accept) words='view-metadata known-metadata other-metadata all' ;;
         --color) words='auto always never' ;;
-        -o | --output | --raster-dir)
+        -o | --output | --raster-dir | --base)
             mapfile -t COMPREPLY < <(compgen -d -- "$word")
             return
             ;;
-        --head-size | -j | --jobs | --memory-limit) return ;;
+        --head-size | -j | --jobs | --memory-limit | --shard | --view) return ;;
         *)
             case $command in
                 '') words='migrate inspect check version -h --help --version' ;;
                 migrate)
                     words='-h --help -o --output --format --accept --head-size --raster-dir --text -j --jobs --report
-                        --force --skip-existing --memory-limit -q --quiet -v --verbose --log-file'
+                        --force --skip-existing --memory-limit -q --quiet -v --verbose --log-file
+                        --files-from -0 --base --shard --view --dry-run'
                     ;;
                 inspect) words='-h --help --json --memory-limit --color' ;;
                 check) words='-h --help --json --memory-limit' ;;

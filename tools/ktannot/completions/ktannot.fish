@@ -11,6 +11,12 @@ complete -c ktannot -s h -l help -d 'Show options and examples'
 
 set -l migrate '__fish_seen_subcommand_from migrate'
 complete -c ktannot -n $migrate -s o -l output -x -a '(__fish_complete_directories)' -d 'Folder for the results'
+complete -c ktannot -n $migrate -l files-from -r -d 'List of more inputs'
+complete -c ktannot -n $migrate -s 0 -d 'Entries of the list end with NUL'
+complete -c ktannot -n $migrate -l base -x -a '(__fish_complete_directories)' -d 'Folder that results mirror'
+complete -c ktannot -n $migrate -l shard -x -d 'One of N parts of the inputs'
+complete -c ktannot -n $migrate -l view -x -d 'Number of the only view'
+complete -c ktannot -n $migrate -l dry-run -d 'Write no results'
 complete -c ktannot -n $migrate -l format -x -a 'svg json' -d 'What is written'
 complete -c ktannot -n $migrate -l accept -x -a 'view-metadata known-metadata other-metadata all' \
     -d 'Legacy metadata that may be dropped'
@@ -22,7 +28,7 @@ complete -c ktannot -n $migrate -l report -r -d 'Write a report for programs'
 complete -c ktannot -n $migrate -l force -d 'Replace drawings that are there already'
 complete -c ktannot -n $migrate -l skip-existing -d 'Keep drawings that are there already'
 complete -c ktannot -n $migrate -s q -l quiet -d 'Tell only what went wrong'
-complete -c ktannot -n $migrate -s v -l verbose -d 'Name every drawing; twice for log details'
+complete -c ktannot -n $migrate -s v -l verbose -d 'Name every drawing'
 complete -c ktannot -n $migrate -l log-file -r -d 'Append the log to a file'
 
 complete -c ktannot -n '__fish_seen_subcommand_from migrate inspect check' -l memory-limit -x \

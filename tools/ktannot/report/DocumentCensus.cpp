@@ -4,10 +4,6 @@
 
 namespace ktannot {
 
-std::string countOf(std::size_t count, const std::string& noun) {
-    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
-}
-
 void DocumentCensus::add(const LegacyDocument& document) {
     if (document.getState() == LegacyDocument::State::Skipped) {
         ++mSkippedFiles;

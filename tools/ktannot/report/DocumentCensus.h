@@ -4,14 +4,12 @@
 /// Counts of what documents hold.
 
 #include "tools/ktannot/LegacyDocument.h"
+#include "tools/ktannot/report/CountOf.h"
 
 #include <cstddef>
 #include <string>
 
 namespace ktannot {
-
-/// A count with its noun, in the plural where needed: "1 view", "3 views".
-std::string countOf(std::size_t count, const std::string& noun);
 
 /// Numbers of one or more documents.
 struct DocumentCensus {

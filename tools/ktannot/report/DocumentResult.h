@@ -15,11 +15,13 @@ namespace ktannot {
 /// What became of one view of a document.
 struct ViewResult {
     enum class State {
-        Written,  ///< drawn or dumped
-        Skipped,  ///< drawn before: left alone
-        Refused,  ///< could not be made or migrated
-        Failed,   ///< could not be written
-        Stopped,  ///< not made, because an end was asked for
+        Written,   ///< drawn or dumped
+        Skipped,   ///< drawn before: left alone
+        Refused,   ///< could not be made or migrated
+        Failed,    ///< could not be written
+        Stopped,   ///< not made, because an end was asked for
+        Planned,   ///< would be drawn or dumped
+        Unwanted,  ///< not asked for: nothing is told of it
     };
 
     State mState = State::Refused;

@@ -12,6 +12,7 @@ void MigrationCounts::add(const DocumentResult& result) {
     mProblems += result.mDocument.getProblems().size() + result.mDocument.getMessages().size();
     for (const ViewResult& view : result.mViews) {
         mWritten += view.mState == ViewResult::State::Written ? 1U : 0U;
+        mPlanned += view.mState == ViewResult::State::Planned ? 1U : 0U;
         mSkippedViews += view.mState == ViewResult::State::Skipped ? 1U : 0U;
         mRefusedViews += view.mState == ViewResult::State::Refused ? 1U : 0U;
         mFailedViews += view.mState == ViewResult::State::Failed ? 1U : 0U;

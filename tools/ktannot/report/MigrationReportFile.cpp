@@ -9,7 +9,7 @@ namespace ktannot {
 
 namespace {
 
-constexpr std::array<const char*, 5> sStateNames{"written", "skipped", "refused", "failed", "stopped"};
+constexpr std::array<const char*, 6> sStateNames{"written", "skipped", "refused", "failed", "stopped", "planned"};
 
 void writeTexts(JsonWriter& json, const char* key, const std::vector<std::string>& texts) {
     if (texts.empty()) {
@@ -42,7 +42,7 @@ void writeView(JsonWriter& json, const ViewResult& view) {
 }  // namespace
 
 MigrationReportFile::MigrationReportFile(const std::string& path)
-    : mFile(path), mText(mFile.getDescriptor()), mJson(mText) {
+    : mFile(path, SideOutput::Way::Whole), mText(mFile.getDescriptor()), mJson(mText) {
     mJson.beginObject();
     mJson.key("tool").text("ktannot");
     mJson.key("version").text(ktAnnotationLegacy::Version::GetDescStringMajorMinorRelease(true));
@@ -75,7 +75,9 @@ void MigrationReportFile::add(const DocumentResult& result) {
     mJson.endArray();
     mJson.key("views").beginArray();
     for (const ViewResult& view : result.mViews) {
-        writeView(mJson, view);
+        if (view.mState != ViewResult::State::Unwanted) {
+            writeView(mJson, view);
+        }
     }
     mJson.endArray();
     mJson.endObject();
@@ -99,7 +101,7 @@ std::string MigrationReportFile::finish(const MigrationCounts& counts, ExitCode 
     if (!mText.flush()) {
         return "cannot write";
     }
-    return mFile.publish(OutputFile::Existing::Replace);
+    return mFile.publish();
 }
 
 }  // namespace ktannot

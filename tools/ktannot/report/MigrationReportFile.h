@@ -4,7 +4,7 @@
 /// Report of a migration for programs.
 
 #include "tools/ktannot/console/TextOutput.h"
-#include "tools/ktannot/files/OutputFile.h"
+#include "tools/ktannot/files/SideOutput.h"
 #include "tools/ktannot/report/DocumentResult.h"
 #include "tools/ktannot/report/JsonWriter.h"
 #include "tools/ktannot/report/MigrationCounts.h"
@@ -27,7 +27,7 @@ public:
     std::string finish(const MigrationCounts& counts, ExitCode outcome);
 
 private:
-    OutputFile mFile;
+    SideOutput mFile;
     TextOutput mText;
     JsonWriter mJson;
 };

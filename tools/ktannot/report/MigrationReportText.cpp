@@ -49,12 +49,14 @@ void MigrationReportText::addView(const DocumentResult& result, std::size_t inde
     }
     switch (view.mState) {
         case ViewResult::State::Written:
+        case ViewResult::State::Planned:
             if (mIsVerbose && !mHasResultsOnOutput && !view.mFile.empty()) {
                 mConsole.out().write(makeTerminalText(view.mFile) + "\n");
             }
             break;
         case ViewResult::State::Skipped:
         case ViewResult::State::Stopped:
+        case ViewResult::State::Unwanted:
             break;
         case ViewResult::State::Refused: {
             std::string line = place + makeTerminalText(view.mReason);
@@ -65,12 +67,17 @@ void MigrationReportText::addView(const DocumentResult& result, std::size_t inde
             break;
         }
         case ViewResult::State::Failed:
+            // Of a dump the document tells why.
+            if (view.mFile.empty()) {
+                break;
+            }
             mConsole.tell(makeTerminalText(view.mFile) + ": " + makeTerminalText(view.mReason));
             break;
     }
 }
 
-void MigrationReportText::finish(const MigrationCounts& counts, const std::string& output) {
+void MigrationReportText::finish(const MigrationCounts& counts, const std::string& output, bool isDryRun,
+                                 const std::string& passedOver) {
     if (!mRefusedViews.empty()) {
         mConsole.tell(countOf(mRefusedViews.size(), "view") + " not migrated:");
         for (const std::string& line : mRefusedViews) {
@@ -80,8 +87,9 @@ void MigrationReportText::finish(const MigrationCounts& counts, const std::strin
     if (mIsQuiet || mHasResultsOnOutput) {
         return;
     }
-    std::string summary = countOf(counts.mWritten, "view") + " of " + countOf(counts.mDocuments, "document") +
-                          " migrated to " + makeTerminalText(output);
+    std::string summary = countOf(isDryRun ? counts.mPlanned : counts.mWritten, "view") + " of " +
+                          countOf(counts.mDocuments, "document") + (isDryRun ? " would be" : "") + " migrated to " +
+                          makeTerminalText(output);
     const auto append = [&summary](std::size_t number, const std::string& what) {
         if (number > 0) {
             summary += "; " + what;
@@ -93,6 +101,7 @@ void MigrationReportText::finish(const MigrationCounts& counts, const std::strin
     append(counts.mFailedDocuments, countOf(counts.mFailedDocuments, "document") + " failed");
     append(counts.mSkippedFiles, countOf(counts.mSkippedFiles, "other file") + " skipped");
     append(counts.mProblems, countOf(counts.mProblems, "problem") + " told");
+    append(passedOver.empty() ? 0 : 1, "passed over: " + passedOver);
     mConsole.out().write(summary + "\n");
 }
 

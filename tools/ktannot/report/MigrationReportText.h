@@ -24,8 +24,10 @@ public:
     void add(const DocumentResult& result);
     /// True when add() would write to standard error, which a progress bar must give way to.
     static bool hasFindings(const DocumentResult& result);
-    /// @param output  where the drawings went.
-    void finish(const MigrationCounts& counts, const std::string& output);
+    /// @param output    where the drawings went.
+    /// @param isDryRun  they would go there.
+    /// @param passedOver  by the search of folders; may be empty.
+    void finish(const MigrationCounts& counts, const std::string& output, bool isDryRun, const std::string& passedOver);
 
 private:
     void addView(const DocumentResult& result, std::size_t index);

@@ -1,0 +1,47 @@
+#include "tools/ktannot/batch/ResultFile.h"
+
+#include "tools/ktannot/batch/InputSet.h"
+#include "tools/ktannot/files/FileBeginning.h"
+#include "tools/ktannot/files/OutputFile.h"
+
+#include <sys/stat.h>
+
+namespace ktannot {
+
+namespace {
+
+/// Why what has the name already may not be replaced; empty when it may, or when there is nothing.
+std::string findObstacle(const std::string& path, const MigrationOptions& options) {
+    struct stat status {};
+    if (lstat(path.c_str(), &status) != 0) {
+        return {};
+    }
+    if (options.mInputs != nullptr && options.mInputs->contains(FileIdentity::of(status))) {
+        return "is one of the documents, which are never written to; choose another folder with -o";
+    }
+    const bool isDump = options.mFormat == MigrationOptions::Format::Json;
+    if (isDump && S_ISREG(status.st_mode) && !readBeginning(path).starts_with("{\"source\": ")) {
+        return "is there already and is no dump of an earlier run; move it, or choose another folder with -o";
+    }
+    return {};
+}
+
+}  // namespace
+
+std::string ResultFile::write(const std::string& path, std::string_view content, const MigrationOptions& options) {
+    const bool isReplacing = options.mExisting == MigrationOptions::Existing::Replace;
+    if (isReplacing) {
+        if (std::string obstacle = findObstacle(path, options); !obstacle.empty()) {
+            return obstacle;
+        }
+    }
+    OutputFile file(path);
+    std::string failure = file.getFailure();
+    if (failure.empty()) {
+        failure = file.write(content);
+    }
+    return failure.empty() ? file.publish(isReplacing ? OutputFile::Existing::Replace : OutputFile::Existing::Keep)
+                           : failure;
+}
+
+}  // namespace ktannot
