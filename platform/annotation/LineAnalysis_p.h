@@ -1,28 +1,15 @@
 #pragma once
 
 /// @file
-/// Direction, script and clusters of a line's characters.
+/// Scripts and clusters of a line's characters.
 
 #include <hb.h>
 
 #include <cstddef>
-#include <cstdint>
 #include <string_view>
 #include <vector>
 
 namespace kt::text {
-
-/// Embedding levels of a line: odd levels run from right to left.
-struct LineLevels {
-    bool mIsRightToLeft = false;  ///< direction of the whole line, from its first strong character
-    std::vector<std::int8_t> mLevels;
-};
-
-/// Whether the character can make any level of its line other than 0.
-bool isBidiCharacter(char32_t character);
-
-/// Finds the levels of all characters; false when memory does not suffice.
-bool findLevels(std::u32string_view line, LineLevels& levels);
 
 /// Finds the script of every character. Characters that many scripts share take the script of the text before them, at
 /// the line's start that of the text behind; a line without any script counts as Latin.

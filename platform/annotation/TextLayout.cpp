@@ -131,10 +131,10 @@ bool TextLayout::layOutAnyLine(const TextArea::Line& line, LaidOutLine& laidOut)
         appendShownCharacters(segment.getText(), mCharacters);
     }
     if (mCharacters.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()) ||
-        !findLevels(mCharacters, mLevels)) {
+        !mLevels.find(mCharacters)) {
         return false;
     }
-    laidOut.mIsRightToLeft = mLevels.mIsRightToLeft;
+    laidOut.mIsRightToLeft = mLevels.isRightToLeft();
     findScripts(mCharacters, mScripts);
 
     std::size_t start = 0;
@@ -145,7 +145,7 @@ bool TextLayout::layOutAnyLine(const TextArea::Line& line, LaidOutLine& laidOut)
         const std::size_t segmentEnd = start + segmentCharacters.size();
         while (start < segmentEnd) {
             std::size_t end = start + 1;
-            while (end < segmentEnd && mLevels.mLevels[end] == mLevels.mLevels[start]) {
+            while (end < segmentEnd && mLevels.getLevel(end) == mLevels.getLevel(start)) {
                 ++end;
             }
             layOutDirectionRun(mStyles[index], start, end - start);
@@ -157,8 +157,7 @@ bool TextLayout::layOutAnyLine(const TextArea::Line& line, LaidOutLine& laidOut)
 
 void TextLayout::layOutDirectionRun(const SegmentStyle& style, std::size_t start, std::size_t length) {
     LaidOutRun& run = addRun(style);
-    // NOLINTNEXTLINE(bugprone-signed-char-misuse): a number, no character
-    run.mLevel = mLevels.mLevels[start];
+    run.mLevel = mLevels.getLevel(start);
     run.mShownText = toUtf8(std::u32string_view(mCharacters).substr(start, length));
     shapePieces(*style.mFonts, start, length, run);
 }

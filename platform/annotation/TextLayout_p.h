@@ -4,6 +4,7 @@
 /// Where the runs of a text block stand.
 
 #include "platform/annotation/LineAnalysis_p.h"
+#include "platform/annotation/LineLevels_p.h"
 #include "platform/annotation/RunGlyphs_p.h"
 #include "platform/annotation/RunShaper_p.h"
 #include "platform/annotation/StyleFonts_p.h"

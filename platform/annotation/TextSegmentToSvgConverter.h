@@ -15,6 +15,20 @@ namespace kt::text {
 /// Lays text out and turns it into SVG items. One converter serves one thread at a time; several converters may work on
 /// several threads at once. It keeps fonts open and remembers what it has measured, so one converter should serve many
 /// texts.
+///
+/// **Order.** A line runs in the direction of its first letter, and its characters stand in the order of the Unicode
+/// bidirectional algorithm. In lines with right-to-left letters, *technical values* keep their own order from left to
+/// right, as isolates do, while the order of values and words follows the line: "⌀.250 ±.008 دقیقهٔ" shows the
+/// dimension as it is written, at the right of its unit.
+/// - A value is what stands between right-to-left letters and holds a digit: words of digits (of any script), letters
+///   and signs such as . , + - ± × ⌀ ° % ' " / : | and brackets that open and close within it.
+/// - Its words stay together, tolerances, units, counts and datums with their dimension: "4X ⌀8 H7", "6 1/2", "5' 6"".
+///   Two words are values of a list, which follows the line, when the one before the blank ends in a digit, a degree,
+///   inch or percent sign, and the one behind begins with a digit or a symbol such as ⌀: "12.5, 25.4".
+/// - Punctuation at its ends, quotation marks around it, and a hyphen or slash that ties it to a right-to-left letter
+///   belong to the line.
+///
+/// Lines with directional embeddings, overrides or isolates of their own are left to the algorithm.
 class KT_ANNOTATION_API TextSegmentToSvgConverter {
 public:
     TextSegmentToSvgConverter();

@@ -63,7 +63,7 @@ THIRD_PARTY = {
     LOG: r"spdlog/.*|syslog\.h",
     JSON: r"simdjson\.h|rapidjson/.*",
     MEMORY: POSIX,
-    "platform/annotation": r"hb(-[a-z]+)?\.h|fribidi\.h|fontconfig/.*|ft2build\.h|FT_[A-Z_]+_H",
+    "platform/annotation": r"hb(-[a-z]+)?\.h|unicode/.*|fontconfig/.*|ft2build\.h|FT_[A-Z_]+_H",
     **{room: r".*\.(h|hpp)" for room in TOOL},
 }
 # No other header that the system holds has such a name.

@@ -15,7 +15,7 @@ LIBRARIES = {
     "ktSystem": (1, r"libsimdjson|libspdlog|libfmt"),
     "ktSceneGraph": (1, r"libktSystem"),
     "ktSvg": (1, r"libWm4Foundation"),
-    "ktAnnotation": (1, r"libktSystem|libktSvg|libharfbuzz|libfribidi|libfreetype|libfontconfig"),
+    "ktAnnotation": (1, r"libktSystem|libktSvg|libharfbuzz|libicuuc|libfreetype|libfontconfig"),
     "ktAnnotationLegacy": (3, r"libktAnnotation|libktSvg|libktSceneGraph|libktSystem|libWm4Foundation"),
 }
 RUN_TIME = r"libstdc\+\+|libm|libgcc_s|libc|ld-linux-x86-64|libpthread"
