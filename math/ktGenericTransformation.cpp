@@ -7,6 +7,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <type_traits>
 
@@ -68,6 +69,58 @@ bool areClose(const Vector3<Real>& a, const Vector3<Real>& b) {
                                      static_cast<double>(a.z) - static_cast<double>(b.z));
     return difference.SquaredLength() < sTolerance;
 }
+
+/// Coordinates x, y and z, each one number or a vector of them, mapped in place by a matrix; in the order of operations
+/// of the product of matrix and vector.
+template <typename Real, typename Value>
+[[gnu::always_inline]] inline void multiply(const Matrix3<Real>& matrix, Value& x, Value& y, Value& z) {
+    const Value mappedX = matrix(0, 0) * x + matrix(0, 1) * y + matrix(0, 2) * z;
+    const Value mappedY = matrix(1, 0) * x + matrix(1, 1) * y + matrix(1, 2) * z;
+    const Value mappedZ = matrix(2, 0) * x + matrix(2, 1) * y + matrix(2, 2) * z;
+    x = mappedX;
+    y = mappedY;
+    z = mappedZ;
+}
+
+/// matrix (scale * X) + translate.
+template <typename Real>
+struct ForwardStep {
+    Matrix3<Real> mMatrix;
+    Vector3<Real> mScale;
+    Vector3<Real> mTranslate;
+
+    template <typename Value>
+    [[gnu::always_inline]] inline void operator()(Value& x, Value& y, Value& z) const {
+        x = mScale.x * x;
+        y = mScale.y * y;
+        z = mScale.z * z;
+        multiply(mMatrix, x, y, z);
+        x = x + mTranslate.x;
+        y = y + mTranslate.y;
+        z = z + mTranslate.z;
+    }
+};
+
+/// matrix (Y - translate), each component then multiplied by three factors, one after the other.
+template <typename Real>
+struct BackwardStep {
+    Vector3<Real> mTranslate;
+    Matrix3<Real> mMatrix;
+    Vector3<Real> mFactors[3];
+
+    template <typename Value>
+    [[gnu::always_inline]] inline void operator()(Value& x, Value& y, Value& z) const {
+        x = x - mTranslate.x;
+        y = y - mTranslate.y;
+        z = z - mTranslate.z;
+        multiply(mMatrix, x, y, z);
+        for (const Vector3<Real>& factor : mFactors) {
+            x = x * factor.x;
+            y = y * factor.y;
+            z = z * factor.z;
+        }
+    }
+};
 
 template <typename Real>
 Vector3<Real> multiplyComponents(const Vector3<Real>& a, const Vector3<Real>& b) {
@@ -287,17 +340,21 @@ void ktGenericTransformation<Real>::ApplyForward(int count, const Vector3<Real>*
     }
     const auto size = static_cast<std::size_t>(count);
     if (mIsIdentity) {
-        impl::copyPoints(size, in, out);
+        std::memmove(out, in, size * sizeof(*in));
         return;
     }
-    impl::mapPointsForward({mMatrix, mIsRSMatrix ? &mScale : nullptr, applyTranslation ? &mTranslate : nullptr}, size,
-                           in, out);
+    // Multiplying by 1 and adding -0.0 changes no bit of any number; +0.0 would change -0.0.
+    const Vector3<Real> nothing(-Real(0), -Real(0), -Real(0));
+    impl::mapPoints(
+        ForwardStep<Real>{mMatrix, mIsRSMatrix ? mScale : Vector3<Real>::ONE, applyTranslation ? mTranslate : nothing},
+        size, in, out);
 }
 
 template <typename Real>
-Vector3<Real> ktGenericTransformation<Real>::reciprocalScale() const {
+Vector3<Real> ktGenericTransformation<Real>::divideByScale(const Vector3<Real>& v) const {
     const Real inverse = Real(1) / (mScale.x * mScale.y * mScale.z);
-    return {mScale.y * mScale.z * inverse, mScale.x * mScale.z * inverse, mScale.x * mScale.y * inverse};
+    return {v.x * mScale.y * mScale.z * inverse, v.y * mScale.x * mScale.z * inverse,
+            v.z * mScale.x * mScale.y * inverse};
 }
 
 template <typename Real>
@@ -306,7 +363,7 @@ Vector3<Real> ktGenericTransformation<Real>::applyInverseLinear(const Vector3<Re
         return invert(mMatrix) * difference;
     }
     if (!mIsUniformScale) {
-        return multiplyComponents(mMatrix.Transpose() * difference, reciprocalScale());
+        return divideByScale(mMatrix.Transpose() * difference);
     }
     if (mScale.x == Real(0)) {
         return sLargestPoint<Real>;
@@ -321,20 +378,24 @@ void ktGenericTransformation<Real>::ApplyInverse(int count, const Vector3<Real>*
     }
     const auto size = static_cast<std::size_t>(count);
     if (mIsIdentity) {
-        impl::copyPoints(size, in, out);
+        std::memmove(out, in, size * sizeof(*in));
         return;
     }
-    if (!mIsRSMatrix) {
-        impl::mapPointsBackward({mTranslate, invert(mMatrix), nullptr}, size, in, out);
-        return;
-    }
-    if (mIsUniformScale && mScale.x == Real(0)) {
+    if (IsUniformScale() && mScale.x == Real(0)) {
         std::fill_n(out, size, sLargestPoint<Real>);
         return;
     }
-    const Real uniform = Real(1) / mScale.x;
-    const Vector3<Real> factor = mIsUniformScale ? Vector3<Real>(uniform, uniform, uniform) : reciprocalScale();
-    impl::mapPointsBackward({mTranslate, mMatrix.Transpose(), &factor}, size, in, out);
+    const auto& one = Vector3<Real>::ONE;
+    BackwardStep<Real> step{mTranslate, mIsRSMatrix ? mMatrix.Transpose() : invert(mMatrix), {one, one, one}};
+    if (IsUniformScale()) {
+        step.mFactors[0] = one * (Real(1) / mScale.x);
+    } else if (mIsRSMatrix) {
+        // The factors of divideByScale().
+        step.mFactors[0] = {mScale.y, mScale.x, mScale.x};
+        step.mFactors[1] = {mScale.z, mScale.z, mScale.y};
+        step.mFactors[2] = one * (Real(1) / (mScale.x * mScale.y * mScale.z));
+    }
+    impl::mapPoints(step, size, in, out);
 }
 
 template <typename Real>
@@ -346,8 +407,8 @@ Plane3<Real> ktGenericTransformation<Real>::ApplyForward(const Plane3<Real>& pla
         const Vector3<Real> normal = mMatrix * plane.Normal;
         return {normal, mScale.x * plane.Constant + normal.Dot(mTranslate)};
     }
-    const Vector3<Real> direction = mIsRSMatrix ? mMatrix * multiplyComponents(plane.Normal, reciprocalScale())
-                                                : invert(mMatrix).Transpose() * plane.Normal;
+    const Vector3<Real> direction =
+        mIsRSMatrix ? mMatrix * divideByScale(plane.Normal) : invert(mMatrix).Transpose() * plane.Normal;
     const Real factor = Real(1) / direction.Length();
     const Vector3<Real> normal = direction * factor;
     return {normal, factor * plane.Constant + normal.Dot(mTranslate)};
@@ -383,7 +444,10 @@ void ktGenericTransformation<Real>::Inverse(ktGenericTransformation& out) const 
         result.mScale = {inverse, inverse, inverse};
         result.mTranslate = (result.mMatrix * mTranslate) * -inverse;
     } else {
-        result.mMatrix = mIsRSMatrix ? scaleRows(reciprocalScale(), mMatrix.Transpose()) : invert(mMatrix);
+        result.mMatrix = invert(mMatrix);
+        for (int column = 0; mIsRSMatrix && column < 3; ++column) {
+            result.mMatrix.SetColumn(column, divideByScale(mMatrix.GetRow(column)));
+        }
         result.mTranslate = -(result.mMatrix * mTranslate);
         result.mIsRSMatrix = false;
         result.mIsUniformScale = false;

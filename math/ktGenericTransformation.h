@@ -15,7 +15,7 @@ namespace kt {
 /// The affine map Y = M S X + T of points X of space: M a 3 by 3 matrix, S the diagonal matrix of a scale vector, T a
 /// translation. It comes in two shapes:
 ///
-/// - *RS* (rotation and scale apart, the shape of a new transformation): the matrix is a rotation and the scale
+/// - *RS* (rotation and scale apart, the shape of a new transformation): the matrix is a rotation, and the scale
 /// applies.
 /// - *general*: the matrix is any linear map and contains the scale; the stored scale is ignored by every mapping.
 ///
@@ -161,8 +161,9 @@ private:
     Wm4::Matrix3<Real> linearPart() const;
     /// Solves M S X = D for X; called when the transformation is not the identity.
     Wm4::Vector3<Real> applyInverseLinear(const Wm4::Vector3<Real>& difference) const;
-    /// 1/sx, 1/sy and 1/sz with one division, for a scale that is not uniform.
-    Wm4::Vector3<Real> reciprocalScale() const;
+    /// v divided by a scale that is not uniform, as (v.x sy sz i, v.y sx sz i, v.z sx sy i) with i = 1/(sx sy sz), from
+    /// left to right. The order is intended: it decides what scales beyond the range of Real give.
+    Wm4::Vector3<Real> divideByScale(const Wm4::Vector3<Real>& v) const;
 };
 
 template <typename Real>

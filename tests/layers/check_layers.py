@@ -63,6 +63,7 @@ THIRD_PARTY = {
     LOG: r"spdlog/.*|syslog\.h",
     JSON: r"simdjson\.h|rapidjson/.*",
     MEMORY: POSIX,
+    "math": r"immintrin\.h",
     "platform/annotation": r"hb(-[a-z]+)?\.h|unicode/.*|fontconfig/.*|ft2build\.h|FT_[A-Z_]+_H",
     **{room: r".*\.(h|hpp)" for room in TOOL},
 }

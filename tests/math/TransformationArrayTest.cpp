@@ -1,7 +1,6 @@
 // Arrays of points get the bits of the one-point operations, whatever their length, alignment, aliasing and the vectors
 // that the processor has.
 
-#include "math/ktPointArrayMapping_p.h"
 #include "tests/math/RandomTransformations.h"
 
 #include <gtest/gtest.h>
@@ -16,9 +15,6 @@ using ktTest::Kind;
 
 enum class Operation : std::uint8_t { Forward, ForwardDirection, Inverse };
 
-constexpr kt::impl::VectorLevel sLevels[] = {kt::impl::VectorLevel::Every, kt::impl::VectorLevel::Avx2,
-                                             kt::impl::VectorLevel::Avx512};
-
 constexpr Operation sOperations[] = {Operation::Forward, Operation::ForwardDirection, Operation::Inverse};
 
 template <typename Real>
@@ -26,8 +22,6 @@ class TransformationArray : public testing::Test {
 protected:
     using Transformation = kt::ktGenericTransformation<Real>;
     using Vector = Wm4::Vector3<Real>;
-
-    ~TransformationArray() override { kt::impl::limitVectors(kt::impl::VectorLevel::Avx512); }
 
     static Vector mapOne(const Transformation& transformation, Operation operation, const Vector& point) {
         return operation == Operation::Inverse ? transformation.ApplyInverse(point, true)
@@ -43,8 +37,7 @@ protected:
         }
     }
 
-    /// Maps part of an array that begins at `offset`, with every kind of vectors, and checks every result and the
-    /// points around.
+    /// Maps part of an array that begins at `offset`, and checks every result and the points around.
     void checkMapping(const Transformation& transformation, Operation operation, std::size_t count, std::size_t offset,
                       bool isInPlace) {
         constexpr std::size_t margin = 2;
@@ -55,15 +48,12 @@ protected:
         for (std::size_t index = offset; index < offset + count; ++index) {
             expected[index] = mapOne(transformation, operation, in[index]);
         }
-        for (const kt::impl::VectorLevel level : sLevels) {
-            kt::impl::limitVectors(level);
-            std::vector<Vector> out = untouched;
-            const Vector* source = isInPlace ? out.data() : in.data();
-            mapAll(transformation, operation, static_cast<int>(count), source + offset, out.data() + offset);
-            const bool areEqual = std::memcmp(out.data(), expected.data(), in.size() * sizeof(Vector)) == 0;
-            EXPECT_TRUE(areEqual) << count << " points from " << offset << ", operation " << static_cast<int>(operation)
-                                  << ", vectors " << static_cast<int>(level) << (isInPlace ? ", in place" : "");
-        }
+        std::vector<Vector> out = untouched;
+        const Vector* source = isInPlace ? out.data() : in.data();
+        mapAll(transformation, operation, static_cast<int>(count), source + offset, out.data() + offset);
+        const bool areEqual = std::memcmp(out.data(), expected.data(), in.size() * sizeof(Vector)) == 0;
+        EXPECT_TRUE(areEqual) << count << " points from " << offset << ", operation " << static_cast<int>(operation)
+                              << (isInPlace ? ", in place" : "");
     }
 
     ktTest::RandomTransformations<Real> mRandom;
@@ -89,20 +79,6 @@ TYPED_TEST(TransformationArray, ShortArraysOfEveryLength) {
     for (const std::size_t count : {1U, 17U, 70U}) {
         this->checkMapping(collapsed, Operation::Inverse, count, 0, true);
     }
-}
-
-// Arrays of 8 MiB and more are written in another way.
-TYPED_TEST(TransformationArray, LongArrays) {
-    constexpr std::size_t streamed = (8U << 20U) / sizeof(Wm4::Vector3<TypeParam>);
-    for (const Kind kind : {Kind::Identity, Kind::NonUniform}) {
-        SCOPED_TRACE(static_cast<int>(kind));
-        const auto transformation = this->mRandom.transformation(kind);
-        this->checkMapping(transformation, Operation::Forward, streamed + 13, 1, false);
-        this->checkMapping(transformation, Operation::Inverse, streamed - 1, 3, false);
-    }
-    const auto general = this->mRandom.transformation(Kind::General);
-    this->checkMapping(general, Operation::Inverse, streamed + 13, 1, false);
-    this->checkMapping(general, Operation::Forward, streamed + 14, 2, true);
 }
 
 TYPED_TEST(TransformationArray, NothingIsTouchedForCountsBelowOne) {

@@ -118,6 +118,10 @@ TEST(TransformationQueries, EqualityLooksAtBitsAndFlags) {
     EXPECT_TRUE(Made().rotate(Matrix::IDENTITY) == Transformation());
     EXPECT_FALSE(generalIdentity == Transformation());
     EXPECT_TRUE(generalIdentity.Equals(Transformation()));
+    Transformation unnoticed = Made().translate({0, 0, 0});
+    unnoticed.SetScale({2, 2, 2});
+    unnoticed.MakeUnitScale();
+    EXPECT_FALSE(unnoticed == Transformation()) << "the identity flag only";
     const Transformation positiveZero = Made().translate({1, 0, 0});
     EXPECT_TRUE(Made().translate({1, -0.0F, 0}) == positiveZero);
     EXPECT_FALSE(Made().translate({1, 0, 0}).rotate(sNegativeZero) == positiveZero);

@@ -150,6 +150,11 @@ TYPED_TEST(TransformationMapping, MatricesWithoutInverseMapBackToFixedPoints) {
     }
     const auto collapsed = this->make(Wm4::Matrix3<TypeParam>::IDENTITY, Vector::ZERO, Vector::ZERO);
     EXPECT_EQ(collapsed.ApplyInverse(point, true), Vector(largest, largest, largest));
+    // The components are multiplied before the product of the scales, which is too large, is divided by.
+    const TypeParam huge = std::sqrt(largest);
+    const auto stretched = this->make(Wm4::Matrix3<TypeParam>::IDENTITY, {1, 2 * huge, 2 * huge}, Vector::ZERO);
+    EXPECT_EQ(stretched.ApplyInverse(Vector(0, 4, 6), true), Vector::ZERO);
+    EXPECT_EQ(stretched.ApplyInverse(Vector(1 / huge, 4, 6), true), Vector::ZERO);
 }
 
 TYPED_TEST(TransformationMapping, InverseKeepsTheShapeThatItCan) {
@@ -277,6 +282,7 @@ TYPED_TEST(TransformationMapping, HomogeneousMatrixIsDecomposed) {
         {"identity", Matrix::IDENTITY, true, true, Matrix::IDENTITY, {1, 1, 1}},
         {"almost identity", this->diagonal(nearOne, 1, 1), true, true, Matrix::IDENTITY, {1, 1, 1}},
         {"uniform scale", this->diagonal(2, 2, 2), true, true, Matrix::IDENTITY, {2, 2, 2}},
+        {"two scales alike", this->diagonal(2, 2, 3), true, false, Matrix::IDENTITY, {2, 2, 3}},
         {"unequal scale", this->diagonal(2, 3, 4), true, false, Matrix::IDENTITY, {2, 3, 4}},
         {"rotation", turned, true, true, turned, {1, 1, 1}},
         {"mirror of x with scale", this->diagonal(-2, 2, 2), true, false, Matrix::IDENTITY, {-2, 2, 2}},
@@ -293,6 +299,9 @@ TYPED_TEST(TransformationMapping, HomogeneousMatrixIsDecomposed) {
         EXPECT_EQ(transformation.GetMatrix(), matrix);
         EXPECT_EQ(transformation.GetScale(), scale);
     }
+    // Axes that are almost at right angles count as such when they open, not when they close.
+    EXPECT_TRUE(this->fromLinear(Matrix(1, Real(-5e-4), 0, 0, 1, 0, 0, 0, 1)).IsRSMatrix());
+    EXPECT_FALSE(this->fromLinear(Matrix(1, Real(5e-4), 0, 0, 1, 0, 0, 0, 1)).IsRSMatrix());
     // Short translations are dropped.
     EXPECT_TRUE(this->fromLinear(Matrix::IDENTITY, Vector(0, Real(0.0009), 0)).IsIdentity());
     EXPECT_EQ(this->fromLinear(Matrix::IDENTITY, Vector(0, Real(0.0011), 0)).GetTranslate(),
