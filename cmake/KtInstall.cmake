@@ -6,6 +6,8 @@ function(kt_install_package package export_set)
     set(destination "${CMAKE_INSTALL_LIBDIR}/cmake/${package}")
     install(EXPORT ${export_set} NAMESPACE kt:: FILE ${package}Targets.cmake DESTINATION ${destination}
         COMPONENT development)
+    # The build tree is a package, too: a host finds it there by CMAKE_PREFIX_PATH.
+    export(EXPORT ${export_set} NAMESPACE kt:: FILE "${PROJECT_BINARY_DIR}/${package}Targets.cmake")
     configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/${package}Config.cmake.in"
         "${PROJECT_BINARY_DIR}/${package}Config.cmake" INSTALL_DESTINATION ${destination}
         NO_SET_AND_CHECK_MACRO)

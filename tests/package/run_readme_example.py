@@ -39,8 +39,10 @@ def build_with_pkg_config(prefix, folder, compiler, flags):
     search = os.environ | {"PKG_CONFIG_PATH": str(library_folder / "pkgconfig")}
     arguments = subprocess.run(
         ["pkg-config", "--cflags", "--libs", "ktAnnotationLegacy"], env=search, check=True, capture_output=True, text=True)
+    if "-std" in arguments.stdout:
+        sys.exit(f"pkg-config overrides the host's language version: {arguments.stdout}")
     program = folder / "example"
-    subprocess.run([compiler, *flags, folder / "main.cpp", *arguments.stdout.split(), "-o", program], check=True)
+    subprocess.run([compiler, "-std=c++20", *flags, folder / "main.cpp", *arguments.stdout.split(), "-o", program], check=True)
     return ["env", f"LD_LIBRARY_PATH={library_folder}", program]
 
 
