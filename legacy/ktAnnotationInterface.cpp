@@ -345,16 +345,22 @@ std::list<ktAnnotationInterface::SubAnnot>& ktAnnotationInterface::editSubAnnots
 void ktAnnotationInterface::removeSubAnnots() noexcept { releaseSubAnnots(std::exchange(mSubAnnots, nullptr)); }
 
 void ktAnnotationInterface::releaseSubAnnots(std::list<SubAnnot>* subAnnots) noexcept {
+    // Entries that are still to be released on this thread; null outside a release.
+    static thread_local constinit std::list<SubAnnot>* sPending = nullptr;
     if (subAnnots == nullptr) {
         return;
     }
-    while (!subAnnots->empty()) {
-        // A child that dies with its entry hands its own children over before, so that no destructor meets a tree.
-        ktAnnotationInterface* child = subAnnots->front().mAnnotation.get();
-        if (child != nullptr && child->mSubAnnots != nullptr && child->GetReferences() == 1) {
-            subAnnots->splice(subAnnots->end(), *child->mSubAnnots);
+    if (sPending != nullptr) {
+        // Within the destructor of a child: the release under way goes on with its children, so that no tree needs a
+        // call stack of its depth.
+        sPending->splice(sPending->end(), *subAnnots);
+    } else {
+        sPending = subAnnots;
+        while (!subAnnots->empty()) {
+            const kt::ktPointer<ktAnnotationInterface> child = std::move(subAnnots->front().mAnnotation);
+            subAnnots->pop_front();
         }
-        subAnnots->pop_front();
+        sPending = nullptr;
     }
     delete subAnnots;
 }

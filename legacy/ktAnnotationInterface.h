@@ -23,8 +23,10 @@ namespace ktLegacy {
 /// measure leaders that dimension the distance between two points, free-form metadata, and a tree of child annotations
 /// anchored to its sides. Concrete annotations are ktAnnotationText and ktAnnotationRaster.
 ///
-/// Annotations are created with new and held through kt::ktPointer. A tree is used by one thread at a time. Copying and
-/// destroying a tree needs no stack in proportion to its depth.
+/// Annotations are created with new and held through kt::ktPointer: a walk or a view that meets an annotation which
+/// nobody holds deletes it. A tree is used by one thread at a time. Copying and destroying a tree needs no stack in
+/// proportion to its depth. An annotation must not become a child in its own tree: nothing checks it, copies and walks
+/// of such a tree do not end, and its members hold each other for ever.
 ///
 /// The order of the virtual operations and of the data members is part of the binary interface.
 class KT_ANNOTATION_LEGACY_API ktAnnotationInterface : public kt::ktObject {
@@ -69,7 +71,8 @@ public:
         };
 
         Leader() = default;
-        explicit Leader(const Wm4::Vector3<float>& position) : mPosition(position) {}
+        // Not explicit: a place alone is a leader without a head.
+        Leader(const Wm4::Vector3<float>& position) : mPosition(position) {}  // NOLINT(google-explicit-constructor)
 
         /// Reads one leader of a binary stream; the layout follows the stream's version.
         void load(kt::ktBaseStream& stream);
@@ -126,6 +129,9 @@ public:
         AnchorLocation mAnchorLocation = AnchorBottomLeft;
     };
 
+    /// @param type  Text and Raster are for ktAnnotationText, ktAnnotationRaster and classes derived from them: copies
+    /// are
+    ///              made by the kind.
     explicit ktAnnotationInterface(Type type);
     /// Copies the other's tree; the kind is the other's.
     ktAnnotationInterface(const ktAnnotationInterface& other);
@@ -156,7 +162,9 @@ public:
     unsigned int getSubAnnotsCount() const;
     /// The annotation's own list of children, created at the first call.
     std::list<SubAnnot>& editSubAnnots();
-    /// Releases all children and the list.
+    /// Releases all children and the list. Children that nobody else holds are destroyed; each has its own children
+    /// until its destructors have run, and a child that lives on keeps them. Called while an annotation is destroyed
+    /// together with its parent, the children are released as soon as that one is gone.
     void removeSubAnnots() noexcept;
 
     /// Moves leaders, measure leaders and the position by the transformation; offset vectors turn and scale but do not
@@ -187,7 +195,7 @@ private:
     std::list<SubAnnot>* mSubAnnots = nullptr;  ///< owned; null until first needed
 
 public:
-    Type mType;  ///< concrete kind, fixed at construction
+    const Type mType;  ///< concrete kind
     FrameShape mFrameShape : 4;
     std::uint8_t mReservedFlag : 1;  ///< bit 4 of the flags byte: no meaning, kept as read
     bool mIsIgnoreZTest : 1;

@@ -10,9 +10,7 @@ namespace ktLegacy {
 ktAnnotationRaster::ktAnnotationRaster() : ktAnnotationInterface(Raster) {}
 
 ktAnnotationRaster::ktAnnotationRaster(const ktAnnotationRaster& other, WithoutChildren tag)
-    : ktAnnotationInterface(other, tag), mRasterName(other.mRasterName), mSizeEm(other.mSizeEm) {
-    mType = Raster;
-}
+    : ktAnnotationInterface(other, tag), mRasterName(other.mRasterName), mSizeEm(other.mSizeEm) {}
 
 ktAnnotationRaster::ktAnnotationRaster(const ktAnnotationRaster& other) : ktAnnotationRaster(other, WithoutChildren{}) {
     copyChildrenOf(other);

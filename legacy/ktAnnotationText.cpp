@@ -141,14 +141,14 @@ ktAnnotationText::TextSegment::TextSegment(const TextSegment& other) : TextSegme
     mType = other.mType;
     setText(other.mText, 0);
     if (other.mProperties != nullptr) {
-        mProperties = new TextProperties(*other.mProperties);
+        makeProperties(*other.mProperties);
     }
 }
 
 ktAnnotationText::TextSegment::TextSegment(TextSegment&& other) noexcept
-    : mText(std::exchange(other.mText, nullptr)),
-      mProperties(std::exchange(other.mProperties, nullptr)),
-      mLength(std::exchange(other.mLength, std::uint16_t{0})),
+    : mText(other.mText.take()),
+      mProperties(other.mProperties.take()),
+      mLength(other.mLength.take()),
       mType(other.mType) {}
 
 ktAnnotationText::TextSegment& ktAnnotationText::TextSegment::operator=(const TextSegment& other) {
@@ -162,9 +162,9 @@ ktAnnotationText::TextSegment& ktAnnotationText::TextSegment::operator=(TextSegm
     if (&other != this) {
         releaseText();
         clearTextProperties();
-        mText = std::exchange(other.mText, nullptr);
-        mProperties = std::exchange(other.mProperties, nullptr);
-        mLength = std::exchange(other.mLength, std::uint16_t{0});
+        mText = other.mText.take();
+        mProperties = other.mProperties.take();
+        mLength = other.mLength.take();
         mType = other.mType;
     }
     return *this;
@@ -172,7 +172,7 @@ ktAnnotationText::TextSegment& ktAnnotationText::TextSegment::operator=(TextSegm
 
 ktAnnotationText::TextSegment::~TextSegment() {
     releaseText();
-    delete mProperties;
+    clearTextProperties();
 }
 
 void ktAnnotationText::TextSegment::setText(const char* text, unsigned long length) {
@@ -195,8 +195,8 @@ void ktAnnotationText::TextSegment::assignText(std::string_view text) {
     }
     // The text may be a part of the segment's own: the old one is released last.
     TextSegment old;
-    old.mText = std::exchange(mText, nullptr);
-    old.mLength = std::exchange(mLength, std::uint16_t{0});
+    old.mText = mText.take();
+    old.mLength = mLength.take();
     if (length != 0) {
         reading::copyText(allocateText(length), text.data(), length);
     }
@@ -222,13 +222,20 @@ void ktAnnotationText::TextSegment::setTextProperties(const TextProperties& prop
     if (mProperties != nullptr) {
         *mProperties = properties;
     } else {
-        mProperties = new TextProperties(properties);
+        makeProperties(properties);
     }
 }
 
+TextProperties& ktAnnotationText::TextSegment::makeProperties(TextProperties properties) {
+    mProperties = new (kt::ktBlockPool::allocate(sizeof(TextProperties))) TextProperties(std::move(properties));
+    return *mProperties;
+}
+
 void ktAnnotationText::TextSegment::clearTextProperties() {
-    delete mProperties;
-    mProperties = nullptr;
+    if (TextProperties* properties = mProperties.take(); properties != nullptr) {
+        properties->~TextProperties();
+        kt::ktBlockPool::release(properties, sizeof(TextProperties));
+    }
 }
 
 float ktAnnotationText::TextSegment::GetFontScaleFactor(SegmentType type) { return type == Normal ? 1.0F : 0.63F; }
@@ -252,8 +259,7 @@ void ktAnnotationText::TextSegment::load(kt::ktBaseStream& stream) {
     stream.readByte(hasProperties);
     if (hasProperties != 0) {
         stream.chargeMemory(1, sizeof(TextProperties));
-        mProperties = new TextProperties;
-        mProperties->load(stream);
+        makeProperties({}).load(stream);
     }
 }
 
@@ -306,9 +312,7 @@ void ktAnnotationText::TextSegment::loadTextPrior_6_17(kt::ktBaseStream& stream)
 ktAnnotationText::ktAnnotationText() : ktAnnotationInterface(Text) {}
 
 ktAnnotationText::ktAnnotationText(const ktAnnotationText& other, WithoutChildren tag)
-    : ktAnnotationInterface(other, tag), mDefaultTextProperties(other.mDefaultTextProperties), mLines(other.mLines) {
-    mType = Text;
-}
+    : ktAnnotationInterface(other, tag), mDefaultTextProperties(other.mDefaultTextProperties), mLines(other.mLines) {}
 
 ktAnnotationText::ktAnnotationText(const ktAnnotationText& other) : ktAnnotationText(other, WithoutChildren{}) {
     copyChildrenOf(other);

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace ktLegacy {
@@ -26,8 +27,7 @@ public:
 
         TextProperties() = default;
         /// @param heightEm  height in em, stored in hundredths: below 0 as 0, from 655.35 on (and not a number) as
-        /// 65534,
-        ///                  else cut to a whole hundredth in single precision.
+        ///                  65534, else cut to a whole hundredth in single precision.
         TextProperties(const std::string& fontName, float heightEm);
 
         /// Sets the height from em by the rule of the constructor.
@@ -43,17 +43,35 @@ public:
 
         bool operator==(const TextProperties&) const = default;
 
-        /// Properties of single segments are many and small: they come from the block pool.
-        static void* operator new(std::size_t size) { return kt::ktBlockPool::allocate(size); }
-        static void operator delete(void* block, std::size_t size) noexcept { kt::ktBlockPool::release(block, size); }
-
         std::string mFontName = "Arial";  ///< family name
         std::uint16_t mHeight = 100;      ///< character height in hundredths of an em
         std::uint8_t mStyle = 0;          ///< sStyleBold, sStyleItalic
         std::uint8_t mReserved = 0;       ///< never interpreted; read, copied and compared
     };
 
-    /// A run of at most 65535 bytes. Owns its text and properties; copies are deep.
+    class TextSegment;
+
+    /// A member that everyone reads like a plain value and only the segment writes; laid out like the value.
+    template <typename Value>
+    class OwnedBySegment {
+    public:
+        OwnedBySegment(const OwnedBySegment&) = delete;
+        OwnedBySegment& operator=(const OwnedBySegment&) = delete;
+
+        operator Value() const noexcept { return mValue; }  // NOLINT(google-explicit-constructor)
+        Value operator->() const noexcept { return mValue; }
+
+    private:
+        friend class TextSegment;
+        explicit OwnedBySegment(Value value) noexcept : mValue(value) {}
+        void operator=(Value value) noexcept { mValue = value; }
+        Value take() noexcept { return std::exchange(mValue, Value{}); }
+
+        Value mValue;
+    };
+
+    /// A run of at most 65535 bytes. Owns its text and properties; copies are deep. What it owns is changed by its
+    /// operations only.
     class KT_ANNOTATION_LEGACY_API TextSegment {
     public:
         /// Values beyond these may come from streams; they are kept and count as reduced text.
@@ -86,9 +104,9 @@ public:
         /// Reads one segment of a binary stream; the layout follows the stream's version.
         void load(kt::ktBaseStream& stream);
 
-        char* mText = nullptr;                  ///< mLength + 1 bytes of the block pool; null when the segment is empty
-        TextProperties* mProperties = nullptr;  ///< owned; null: the annotation's default properties apply
-        std::uint16_t mLength = 0;              ///< bytes of text, without the NUL
+        OwnedBySegment<char*> mText{nullptr};                  ///< mLength + 1 bytes; null when the segment is empty
+        OwnedBySegment<TextProperties*> mProperties{nullptr};  ///< null: the annotation's default properties apply
+        OwnedBySegment<std::uint16_t> mLength{0};              ///< bytes of text, without the NUL
         SegmentType mType = Normal;
 
     private:
@@ -99,6 +117,8 @@ public:
         /// Replaces the text by length bytes of 0 for the caller to fill.
         char* allocateText(std::uint16_t length);
         void releaseText() noexcept;
+        /// Properties of single segments are many and small: they come from the block pool.
+        TextProperties& makeProperties(TextProperties properties);
         /// Reads a whole segment without properties from 6.17 on, at one check of the bounds. False, with nothing
         /// read, when the next segment is not such a one.
         bool loadUsual(kt::ktBaseStream& stream);

@@ -44,7 +44,10 @@ ktAnnotationView& ktAnnotationView::operator=(const ktAnnotationView& other) {
     return *this;
 }
 
-ktAnnotationView::~ktAnnotationView() = default;
+ktAnnotationView::~ktAnnotationView() {
+    // Before the other members: the destructor of a host's annotation may look at its view.
+    mAnnotations.clear();
+}
 
 const kt::ktRtti* ktAnnotationView::GetType() const { return &TYPE; }
 

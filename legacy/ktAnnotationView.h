@@ -12,7 +12,8 @@
 namespace ktLegacy {
 
 /// A named group of annotations that lie on one plane of the scene. Normal and axis are kept as given, neither
-/// normalised nor made perpendicular.
+/// normalised nor made perpendicular. Like every kt::ktObject, a view on the stack must not be put into a
+/// kt::ktPointer: pointers delete what they hold last.
 ///
 /// The order of the virtual operations and of the data members is part of the binary interface.
 class KT_ANNOTATION_LEGACY_API ktAnnotationView : public kt::ktObject {

@@ -17,11 +17,18 @@ impl::LibInitCounter& getInitCounter() {
 }  // namespace
 
 void initializeKtAnnotationLibrary(bool preloadFonts) {
+    // Made before the use is counted, so that the termination need not allocate.
+    text::FontCatalog& fonts = text::FontCatalog::getInstance();
     if (getInitCounter().incrementInitCounter()) {
         initializeKtSystem(InitType::Full, false);
     }
     if (preloadFonts) {
-        text::FontCatalog::getInstance().getStack(text::TextProperties().mFontName, 0)->getMainFont();
+        try {
+            fonts.getStack(text::TextProperties().mFontName, 0)->getMainFont();
+        } catch (...) {
+            terminateKtAnnotationLibrary();
+            throw;
+        }
     }
 }
 

@@ -7,8 +7,12 @@ namespace kt::impl {
 
 namespace {
 
-void writeDebugLine(const char* name, const char* text) {
-    ktLogObject(ktLog::Debug, nullptr, ktLog::msInstance, nullptr, false) << name << ": " << text;
+void writeDebugLine(const char* name, const char* text) noexcept {
+    try {
+        ktLogObject(ktLog::Debug, nullptr, ktLog::msInstance, nullptr, false) << name << ": " << text;
+    } catch (...) {
+        // The count stands; a line that cannot be written is lost.
+    }
 }
 
 }  // namespace

@@ -3,12 +3,25 @@
 #include "platform/system/LibInitCounter.h"
 #include "platform/system/log/ktLog.h"
 #include "platform/system/log/ktLogObject.h"
+#include "platform/system/memory/ktBlockPool.h"
 
 namespace kt {
 
 namespace {
+
 impl::LibInitCounter sInitCounter("system", true);
+
+void writeDebugLine(InitType type) noexcept {
+    try {
+        ktLogObject(ktLog::Debug, nullptr, ktLog::msInstance, nullptr, false)
+            << "system: initialised with type " << static_cast<int>(type) << ", " << sInitCounter.getCount()
+            << " users";
+    } catch (...) {
+        // The library is initialised; a line that cannot be written is lost.
+    }
 }
+
+}  // namespace
 
 void initializeKtSystem(InitType type, bool verbose) {
     if (sInitCounter.incrementInitCounter()) {
@@ -17,12 +30,14 @@ void initializeKtSystem(InitType type, bool verbose) {
         ktLog::msInstance.compare_exchange_strong(none, &ktLog::getBundledLog());
     }
     if (verbose) {
-        ktLogObject(ktLog::Debug, nullptr, ktLog::msInstance, nullptr, false)
-            << "system: initialised with type " << static_cast<int>(type) << ", " << sInitCounter.getCount()
-            << " users";
+        writeDebugLine(type);
     }
 }
 
-void terminateKtSystem() { sInitCounter.decrementInitCounter(); }
+void terminateKtSystem() {
+    if (sInitCounter.decrementInitCounter()) {
+        ktBlockPool::giveBackUnused();
+    }
+}
 
 }  // namespace kt

@@ -18,7 +18,8 @@ enum class InitType : int {
 /// @param verbose  write a debug line about it.
 KT_SYSTEM_API void initializeKtSystem(InitType type, bool verbose);
 
-/// Ends one use of the system library; surplus calls do nothing. The log and the factory registry stay usable.
+/// Ends one use of the system library; surplus calls do nothing. The last one gives memory that is kept for further
+/// documents back to the system. Objects, the log and the factory registry stay usable.
 KT_SYSTEM_API void terminateKtSystem();
 
 }  // namespace kt

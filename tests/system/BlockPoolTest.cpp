@@ -1,4 +1,5 @@
-#include "platform/system/memory/ktBlockPool.h"
+#include "platform/system/ktSystem.h"
+#include "platform/system/memory/ktBlockPool_p.h"
 
 #include <gtest/gtest.h>
 
@@ -50,6 +51,17 @@ TEST(BlockPool, BlocksOutliveTheirThreadAndAreReleasedOnAnother) {
     for (unsigned number = 0; number < made.size(); ++number) {
         threads.emplace_back([&made, other = (number + 1) % 4] { releaseBlocks(made[other], other); });
     }
+}
+
+TEST(BlockPool, IsGivenBackWithTheLastUserOfTheLibrary) {
+    kt::initializeKtSystem(kt::InitType::Full, false);
+    releaseBlocks(makeBlocks(20'000, 1), 1);
+#ifndef KT_POOL_USES_HEAP
+    EXPECT_GT(kt::ktBlockPool::giveBackUnused(), 30'000'000U) << "kept for the next document";
+#endif
+    releaseBlocks(makeBlocks(20'000, 2), 2);
+    kt::terminateKtSystem();
+    EXPECT_EQ(kt::ktBlockPool::giveBackUnused(), 0U);
 }
 
 }  // namespace

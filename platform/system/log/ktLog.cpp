@@ -12,7 +12,10 @@ ktLog& ktLog::getBundledLog() {
     return log;
 }
 
-ktLog::~ktLog() = default;
+ktLog::~ktLog() {
+    ktLog* self = this;
+    msInstance.compare_exchange_strong(self, &getBundledLog());
+}
 
 bool ktLog::isEnabled(int /*type*/) const { return true; }
 

@@ -32,7 +32,8 @@ public:
     enum Type : int { Debug = 1, Info = 2, Notice = 3, Warning = 4, Error = 5 };
 
     /// The log that all lines go to. Never null from the first use of libktSystem on; the pointed-to log belongs to
-    /// whoever set it and must stay alive while it is set.
+    /// whoever set it. A log that is destroyed while it is set, as one with static storage is at the end of the
+    /// program, is replaced by the bundled log; no other thread may write a line at that moment.
     static std::atomic<ktLog*> msInstance;
 
     /// The bundled log: writes warnings and errors to standard error.

@@ -17,6 +17,12 @@ void* ktBlockPool::allocate(std::size_t size) { return ::operator new(size); }
 
 void ktBlockPool::release(void* block, std::size_t /*size*/) noexcept { ::operator delete(block); }
 
+void* ktBlockPool::allocateObject(std::size_t size) { return ::operator new(size); }
+
+void ktBlockPool::releaseObject(void* block) noexcept { ::operator delete(block); }
+
+std::size_t ktBlockPool::giveBackUnused() noexcept { return 0; }
+
 void ktBlockPool::Releases::add(void* block, std::size_t size) noexcept { release(block, size); }
 
 void ktBlockPool::Releases::settleChunk() noexcept {}
@@ -214,6 +220,36 @@ void ktBlockPool::release(void* block, std::size_t size) noexcept {
     } else if (block != nullptr) {
         settle(chunkOf(block), 1);
     }
+}
+
+void* ktBlockPool::allocateObject(std::size_t size) {
+    if (size > sMaxBlockSize) [[unlikely]] {
+        // At a multiple of the chunk size, where no block of a chunk lies: its release tells them apart by that.
+        sThreadSupply.mIsScattered = true;
+        return ::operator new (size, std::align_val_t{sChunkSize});
+    }
+    return allocate(size);
+}
+
+void ktBlockPool::releaseObject(void* block) noexcept {
+    if (block == nullptr) {
+        return;
+    }
+    Chunk* chunk = chunkOf(block);
+    if (block == static_cast<void*>(chunk)) [[unlikely]] {
+        ::operator delete (block, std::align_val_t{sChunkSize});
+    } else {
+        settle(chunk, 1);
+    }
+}
+
+std::size_t ktBlockPool::giveBackUnused() noexcept {
+    std::size_t bytes = 0;
+    while (Chunk* chunk = takeCachedChunk()) {
+        ::munmap(chunk, sChunkSize);
+        bytes += sChunkSize;
+    }
+    return bytes;
 }
 
 void ktBlockPool::Releases::add(void* block, std::size_t size) noexcept {

@@ -38,6 +38,18 @@ public:
     /// Releases a block; size as it was asked for.
     static void release(void* block, std::size_t size) noexcept;
 
+    /// The same for blocks whose release does not know the size; one above sMaxBlockSize takes a multiple of 256 KiB of
+    /// addresses.
+    static void* allocateObject(std::size_t size);
+    /// Releases a block of allocateObject(); null is allowed.
+    static void releaseObject(void* block) noexcept;
+
+    /// Gives the chunks that hold no block and are kept for the next document (up to 64 MiB that stay in memory and 1
+    /// GiB that the system may take) back to the system; the last terminateKtSystem() does, too. Safe to call from
+    /// several threads.
+    /// @return  the bytes of address space given back.
+    static std::size_t giveBackUnused() noexcept;
+
     static constexpr std::size_t sMaxBlockSize = 4096;
 
     /// Releases many blocks: those of one chunk that come one after the other are counted down together, at the latest

@@ -3,7 +3,9 @@
 /// @file
 /// Pointer to a reference-counted object.
 
+#include <concepts>
 #include <cstddef>
+#include <type_traits>
 #include <utility>
 
 namespace kt {
@@ -23,9 +25,7 @@ public:
     ktPointer(const ktPointer& other) : mObject(other.mObject) { acquire(); }
     ktPointer(ktPointer&& other) noexcept : mObject(std::exchange(other.mObject, nullptr)) {}
     template <typename U>
-    ktPointer(const ktPointer<U>& other) : mObject(other.get()) {
-        acquire();
-    }
+    requires std::is_convertible_v<U*, T*> ktPointer(const ktPointer<U>& other) : mObject(other.get()) { acquire(); }
     ~ktPointer() { release(); }
 
     ktPointer& operator=(const ktPointer& other) {
@@ -50,10 +50,6 @@ public:
     operator T*() const noexcept { return mObject; }
     explicit operator bool() const noexcept { return mObject != nullptr; }
 
-    friend bool operator==(const ktPointer& a, const ktPointer& b) noexcept { return a.mObject == b.mObject; }
-    friend bool operator==(const ktPointer& a, const T* b) noexcept { return a.mObject == b; }
-    friend bool operator==(const ktPointer& a, std::nullptr_t) noexcept { return a.mObject == nullptr; }
-
 private:
     void acquire() {
         if (mObject != nullptr) {
@@ -68,5 +64,17 @@ private:
 
     T* mObject = nullptr;
 };
+
+/// Pointers are equal when they hold the same object or nothing; they may be pointers to a class and its base.
+template <typename T, typename U>
+requires std::equality_comparable_with<T*, U*>
+bool operator==(const ktPointer<T>& a, const ktPointer<U>& b) noexcept { return a.get() == b.get(); }
+template <typename T, typename U>
+requires std::equality_comparable_with<T*, U*>
+bool operator==(const ktPointer<T>& a, U* b) noexcept { return a.get() == b; }
+template <typename T>
+bool operator==(const ktPointer<T>& a, std::nullptr_t) noexcept {
+    return a.get() == nullptr;
+}
 
 }  // namespace kt

@@ -87,8 +87,36 @@ ktRttiInterface::FactoryFunction ktRttiInterface::FindFactoryFunction(std::strin
     return getRegistry().find(name);
 }
 
-void* ktRttiInterface::operator new(std::size_t size) { return ktBlockPool::allocate(size); }
+void* ktRttiInterface::operator new(std::size_t size) { return ktBlockPool::allocateObject(size); }
 
-void ktRttiInterface::operator delete(void* block, std::size_t size) noexcept { ktBlockPool::release(block, size); }
+void* ktRttiInterface::operator new(std::size_t size, std::align_val_t alignment) {
+    return ::operator new(size, alignment);
+}
+
+void* ktRttiInterface::operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+    try {
+        return ktBlockPool::allocateObject(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+void* ktRttiInterface::operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t& tag) noexcept {
+    return ::operator new(size, alignment, tag);
+}
+
+void ktRttiInterface::operator delete(void* block, std::size_t /*size*/) noexcept { ktBlockPool::releaseObject(block); }
+
+void ktRttiInterface::operator delete(void* block, std::size_t /*size*/, std::align_val_t alignment) noexcept {
+    ::operator delete(block, alignment);
+}
+
+void ktRttiInterface::operator delete(void* block, const std::nothrow_t& /*tag*/) noexcept {
+    ktBlockPool::releaseObject(block);
+}
+
+void ktRttiInterface::operator delete(void* block, std::align_val_t alignment, const std::nothrow_t& tag) noexcept {
+    ::operator delete(block, alignment, tag);
+}
 
 }  // namespace kt

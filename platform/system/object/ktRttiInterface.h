@@ -7,6 +7,7 @@
 #include "platform/system/object/ktRtti.h"
 
 #include <cstddef>
+#include <new>
 #include <string>
 #include <string_view>
 
@@ -15,8 +16,13 @@ namespace kt {
 class ktBaseStream;
 
 /// An object with a run-time type, an intrusive reference count and the stream operations. Objects are created with new
-/// (their storage comes from ktBlockPool) and delete themselves when the last reference goes. The count starts at 0:
-/// the first ktPointer takes the object into possession.
+/// and delete themselves when the last reference goes. The count starts at 0: the first ktPointer takes the object into
+/// possession, and the end of the last one is the end of the object.
+///
+/// An object that was not made with new (on the stack, a member, in storage of the caller's) must therefore never meet
+/// a ktPointer, not even a temporary one as it is made by a walk over it or by a list that it is put into: the pointer
+/// would delete it. An object with count 0 is deleted by the first ktPointer that comes and goes. Objects that hold
+/// each other in a circle are never deleted.
 ///
 /// The order of the virtual operations is part of the binary interface.
 class KT_SYSTEM_API ktRttiInterface {
@@ -50,8 +56,23 @@ public:
     /// The factory of that name, null when there is none.
     static FactoryFunction FindFactoryFunction(std::string_view name);
 
+    /// @name Storage
+    /// Objects of every class lie in blocks of ktBlockPool; those of a class with an alignment beyond the pool's come
+    /// from the heap.
+    /// @{
     static void* operator new(std::size_t size);
+    static void* operator new(std::size_t size, std::align_val_t alignment);
+    static void* operator new(std::size_t size, const std::nothrow_t& tag) noexcept;
+    static void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t& tag) noexcept;
+    /// In storage of the caller's: such an object is destroyed by the caller and never held by a ktPointer.
+    static void* operator new(std::size_t /*size*/, void* place) noexcept { return place; }
+
     static void operator delete(void* block, std::size_t size) noexcept;
+    static void operator delete(void* block, std::size_t size, std::align_val_t alignment) noexcept;
+    static void operator delete(void* block, const std::nothrow_t& tag) noexcept;
+    static void operator delete(void* block, std::align_val_t alignment, const std::nothrow_t& tag) noexcept;
+    static void operator delete(void* /*block*/, void* /*place*/) noexcept {}
+    /// @}
 
 protected:
     ktRttiInterface() = default;
