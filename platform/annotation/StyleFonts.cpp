@@ -1,6 +1,7 @@
 #include "platform/annotation/Characters_p.h"
 #include "platform/annotation/RunGlyphs_p.h"
 #include "platform/annotation/StyleFonts_p.h"
+#include "platform/encoding/Utf8.h"
 
 #include <algorithm>
 
@@ -35,8 +36,9 @@ bool StyleFonts::measureSimple(std::string_view text, RunExtent& extent) {
         std::size_t end = position + 1;
         char32_t character = static_cast<unsigned char>(text[position]);
         if (character >= 0x80) {
-            end = position;
-            character = decodeCharacter(text, end);
+            const encoding::Utf8Character decoded = encoding::decodeUtf8(text.substr(position));
+            end = position + decoded.mLength;
+            character = decoded.mCode;
         }
         position = end;
         if (character >= AdvanceTable::sCharacterEnd) {

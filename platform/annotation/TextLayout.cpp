@@ -1,6 +1,7 @@
 #include "platform/annotation/Characters_p.h"
 #include "platform/annotation/FontCatalog_p.h"
 #include "platform/annotation/TextLayout_p.h"
+#include "platform/encoding/Utf8.h"
 
 #include <algorithm>
 #include <cmath>
@@ -158,7 +159,7 @@ bool TextLayout::layOutAnyLine(const TextArea::Line& line, LaidOutLine& laidOut)
 void TextLayout::layOutDirectionRun(const SegmentStyle& style, std::size_t start, std::size_t length) {
     LaidOutRun& run = addRun(style);
     run.mLevel = mLevels.getLevel(start);
-    run.mShownText = toUtf8(std::u32string_view(mCharacters).substr(start, length));
+    run.mShownText = encoding::toUtf8(std::u32string_view(mCharacters).substr(start, length));
     shapePieces(*style.mFonts, start, length, run);
 }
 

@@ -1,7 +1,7 @@
 #include "platform/annotation/TextSegmentToSvgConverter.h"
 
-#include "platform/annotation/ColorText_p.h"
 #include "platform/annotation/TextLayout_p.h"
+#include "platform/encoding/ColorText.h"
 #include "platform/svg/Rect.h"
 #include "platform/svg/Text.h"
 #include "platform/system/memory/ktBlockPool.h"
@@ -43,7 +43,7 @@ std::shared_ptr<svg::Text> createItem(LaidOutRun& run, double x, double y) {
     item->setGlyphSource(std::move(run.mGlyphs));
     item->setTransform({{1.0F, 0.0F, 0.0F, -1.0F}, {0.0F, 2.0F * position.y}});
     if (run.mHasOwnProperties) {
-        item->setColor(ColorText(run.mProperties->mColor).get());
+        item->setColor(encoding::ColorText(run.mProperties->mColor).get());
     }
     return item;
 }

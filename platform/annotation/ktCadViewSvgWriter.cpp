@@ -1,6 +1,6 @@
 #include "platform/annotation/ktCadViewSvgWriter.h"
 
-#include "platform/annotation/ColorText_p.h"
+#include "platform/encoding/ColorText.h"
 #include "platform/svg/ComputeEstimatedBoundingBox.h"
 
 #include <algorithm>
@@ -87,7 +87,7 @@ void ktCadViewSvgWriter::writeLeaders(const ktCadAnnotation& annotation) {
     if (annotation.mSegments.empty() && annotation.mShapes.empty()) {
         return;
     }
-    const ColorText color(annotation.mColor);
+    const encoding::ColorText color(annotation.mColor);
     svg::SvgWriter::Group group;
     group.mColor = color.get();
     group.mOutlineColor = color.get();

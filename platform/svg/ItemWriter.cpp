@@ -1,3 +1,5 @@
+#include "platform/encoding/Hex.h"
+#include "platform/encoding/Utf8.h"
 #include "platform/svg/Image.h"
 #include "platform/svg/ItemWriter_p.h"
 #include "platform/svg/NumberFormat_p.h"
@@ -24,16 +26,6 @@ constexpr std::size_t sShortTextSize = 512;
 /// Longer ids, classes and family names are nobody's.
 constexpr std::size_t sMaxNameSize = 1000;
 
-constexpr auto sIsHexDigit = [] {
-    std::array<bool, 256> table{};
-    for (const char digit : std::string_view("0123456789ABCDEFabcdef")) {
-        table[static_cast<unsigned char>(digit)] = true;
-    }
-    return table;
-}();
-
-bool isHexDigit(char character) { return sIsHexDigit[static_cast<unsigned char>(character)]; }
-
 bool isLetter(char character) {
     return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z');
 }
@@ -43,7 +35,8 @@ bool isColor(std::string_view text) {
     constexpr std::size_t maxWordSize = 32;
     if (text.starts_with('#')) {
         const std::string_view digits = text.substr(1);
-        return (digits.size() == 6 || digits.size() == 3) && std::all_of(digits.begin(), digits.end(), isHexDigit);
+        return (digits.size() == 6 || digits.size() == 3) &&
+               std::all_of(digits.begin(), digits.end(), [](char digit) { return encoding::hexValue(digit) >= 0; });
     }
     return !text.empty() && text.size() <= maxWordSize && std::all_of(text.begin(), text.end(), isLetter);
 }
@@ -123,7 +116,7 @@ bool haveSameFont(const Text& a, const Text& b) {
 /// The family as a quoted CSS string with a generic family to fall back on.
 std::string makeFontFamily(std::string_view font) {
     std::string family;
-    for (const char character : cutUtf8(font, sMaxNameSize)) {
+    for (const char character : encoding::cutUtf8(font, sMaxNameSize)) {
         if (character == '\'' || character == '\\') {
             family.push_back('\\');
         }
@@ -149,7 +142,7 @@ int getScaledDecimals(double scale) {
 void appendTitle(TextBuffer& buffer, std::string_view title) {
     if (!title.empty()) {
         buffer.append("<title>");
-        appendXmlText(buffer, cutUtf8(title, SvgWriter::sMaxTitleSize), XmlContext::Content);
+        appendXmlText(buffer, encoding::cutUtf8(title, SvgWriter::sMaxTitleSize), XmlContext::Content);
         buffer.append("</title>\n");
     }
 }

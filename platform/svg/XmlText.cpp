@@ -1,3 +1,4 @@
+#include "platform/encoding/Utf8.h"
 #include "platform/svg/TextBuffer_p.h"
 #include "platform/svg/XmlText_p.h"
 
@@ -10,9 +11,6 @@
 namespace kt::svg {
 
 namespace {
-
-/// U+FFFD.
-constexpr char sReplacement[] = "\xEF\xBF\xBD";
 
 constexpr std::uint64_t sOnes = 0x0101010101010101U;
 constexpr std::uint64_t sHighBits = 0x8080808080808080U;
@@ -81,43 +79,6 @@ std::uint64_t loadShort(std::string_view text) {
 
 bool hasWhiteControl(std::string_view text) { return text.find_first_of("\t\n\r") != std::string_view::npos; }
 
-/// A sequence of bytes that begins with one of 0x80 and above.
-struct Sequence {
-    std::size_t mLength;  ///< of the character, or of the broken beginning of one
-    bool mIsCharacter;    ///< one that XML may hold
-};
-
-Sequence readSequence(const char* text, std::size_t size) {
-    const auto byteAt = [&](std::size_t index) { return static_cast<unsigned char>(text[index]); };
-    const unsigned lead = byteAt(0);
-    // The second byte's range keeps overlong forms, surrogates and what lies beyond U+10FFFF out.
-    unsigned low = 0x80;
-    unsigned high = 0xBF;
-    std::size_t length = 0;
-    if (lead >= 0xC2 && lead <= 0xDF) {
-        length = 2;
-    } else if (lead >= 0xE0 && lead <= 0xEF) {
-        length = 3;
-        low = lead == 0xE0 ? 0xA0 : low;
-        high = lead == 0xED ? 0x9F : high;
-    } else if (lead >= 0xF0 && lead <= 0xF4) {
-        length = 4;
-        low = lead == 0xF0 ? 0x90 : low;
-        high = lead == 0xF4 ? 0x8F : high;
-    } else {
-        return {1, false};
-    }
-    for (std::size_t index = 1; index < length; ++index) {
-        if (index >= size || byteAt(index) < low || byteAt(index) > high) {
-            return {index, false};
-        }
-        low = 0x80;
-        high = 0xBF;
-    }
-    const bool isNoncharacter = lead == 0xEF && byteAt(1) == 0xBF && byteAt(2) >= 0xBE;
-    return {length, !isNoncharacter};
-}
-
 /// Writes an ASCII character that is not plain.
 char* putSpecial(char* out, char character, XmlContext context) {
     const bool isAttribute = context == XmlContext::Attribute;
@@ -138,7 +99,7 @@ char* putSpecial(char* out, char character, XmlContext context) {
             // Parsers turn a bare one into a line feed.
             return putLiteral(out, "&#13;");
         default:
-            return putLiteral(out, sReplacement);
+            return std::ranges::copy(encoding::sReplacementText, out).out;
     }
 }
 
@@ -161,9 +122,11 @@ char* putXmlText(char* out, std::string_view text, XmlContext context) {
             out = putSpecial(out, *in++, context);
             continue;
         }
-        const Sequence sequence = readSequence(in, static_cast<std::size_t>(end - in));
-        out = sequence.mIsCharacter ? std::copy_n(in, sequence.mLength, out) : putLiteral(out, sReplacement);
-        in += sequence.mLength;
+        const encoding::Utf8Character character = encoding::decodeUtf8({in, static_cast<std::size_t>(end - in)});
+        // The first plane's last two are no characters of XML.
+        const bool isHeld = character.mIsValid && character.mCode != 0xFFFE && character.mCode != 0xFFFF;
+        out = isHeld ? std::copy_n(in, character.mLength, out) : std::ranges::copy(encoding::sReplacementText, out).out;
+        in += character.mLength;
     }
     return out;
 }
@@ -193,23 +156,10 @@ TextScan scanText(std::string_view text) {
 
 void appendXmlText(TextBuffer& buffer, std::string_view text, XmlContext context) {
     while (!text.empty()) {
-        const std::string_view piece = cutUtf8(text, sPieceSize);
+        const std::string_view piece = encoding::cutUtf8(text, sPieceSize);
         buffer.commit(putXmlText(buffer.reserve(sPieceSize * sMaxSpelling), piece, context));
         text.remove_prefix(piece.size());
     }
-}
-
-std::string_view cutUtf8(std::string_view text, std::size_t size) {
-    if (text.size() <= size) {
-        return text;
-    }
-    constexpr std::size_t maxContinuations = 3;
-    for (std::size_t back = 0; back <= std::min(maxContinuations, size); ++back) {
-        if ((static_cast<unsigned char>(text[size - back]) & 0xC0U) != 0x80U) {
-            return text.substr(0, size - back);
-        }
-    }
-    return text.substr(0, size);
 }
 
 }  // namespace kt::svg

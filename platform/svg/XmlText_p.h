@@ -27,7 +27,4 @@ struct TextScan {
 };
 TextScan scanText(std::string_view text);
 
-/// The longest beginning of text that has at most this many bytes and does not end inside a character.
-std::string_view cutUtf8(std::string_view text, std::size_t size);
-
 }  // namespace kt::svg

@@ -1,6 +1,8 @@
 #include "platform/system/json/ktVariantJson.h"
 
+#include "platform/encoding/Hex.h"
 #include "platform/encoding/JsonNumber.h"
+#include "platform/encoding/Utf8.h"
 #include "platform/system/json/ktJsonDiagnosis_p.h"
 #include "platform/system/json/ktJsonSink.h"
 #include "platform/system/memory/ktBlockPool.h"
@@ -75,22 +77,14 @@ private:
         std::uint32_t unit = 0;
         const char* end = text.data() + sEscapeSize;
         for (const char* digit = text.data() + 2; digit != end; ++digit) {
-            const std::uint32_t value = hexValue(*digit);
-            if (value == sNoCode) {
+            const int value = encoding::hexValue(*digit);
+            if (value < 0) {
                 return sNoCode;
             }
-            unit = unit * 16 + value;
+            unit = unit * 16 + static_cast<std::uint32_t>(value);
         }
         text.remove_prefix(sEscapeSize);
         return unit;
-    }
-
-    static std::uint32_t hexValue(char digit) {
-        if (digit >= '0' && digit <= '9') {
-            return static_cast<std::uint32_t>(digit - '0');
-        }
-        const char lower = static_cast<char>(digit | 0x20);
-        return lower >= 'a' && lower <= 'f' ? static_cast<std::uint32_t>(lower - 'a') + 10 : sNoCode;
     }
 
     bool readCodePoint(std::string_view& text) {
@@ -105,28 +99,8 @@ private:
             }
             code = 0x10000 + ((code - 0xD800) << 10) + (low - 0xDC00);
         }
-        appendUtf8(code);
+        encoding::appendUtf8(code, mText);
         return true;
-    }
-
-    void appendUtf8(std::uint32_t code) {
-        const auto append = [this](std::uint32_t byte) { mText += static_cast<char>(byte); };
-        if (code < 0x80) {
-            append(code);
-            return;
-        }
-        if (code < 0x800) {
-            append(0xC0 | (code >> 6));
-        } else {
-            if (code < 0x10000) {
-                append(0xE0 | (code >> 12));
-            } else {
-                append(0xF0 | (code >> 18));
-                append(0x80 | ((code >> 12) & 0x3F));
-            }
-            append(0x80 | ((code >> 6) & 0x3F));
-        }
-        append(0x80 | (code & 0x3F));
     }
 
     std::string mText;

@@ -1,8 +1,8 @@
 #include "tools/ktannot/console/TerminalText.h"
 
+#include "platform/encoding/Hex.h"
 #include "platform/encoding/Utf8.h"
 
-#include <cstdint>
 #include <limits>
 
 namespace ktannot {
@@ -12,25 +12,15 @@ namespace {
 // Joiners change how their neighbours look, as scripts need it, and nothing else.
 bool isJoiner(char32_t code) { return code == 0x200C || code == 0x200D; }
 
-/// A backslash, the mark and as many hexadecimal digits.
-void appendHex(std::string& text, char mark, std::uint32_t value, unsigned int digits) {
-    text += '\\';
-    text += mark;
-    while (digits != 0) {
-        --digits;
-        text += "0123456789abcdef"[(value >> (4 * digits)) & 15U];
-    }
-}
-
 void appendEscape(std::string& text, char32_t code) {
     if (code == '\n' || code == '\t') {
         text += code == '\n' ? "\\n" : "\\t";
     } else if (code < 0x80) {
-        appendHex(text, 'x', code, 2);
+        kt::encoding::appendHex(text += "\\x", code, 2);
     } else if (code <= 0xFFFF) {
-        appendHex(text, 'u', code, 4);
+        kt::encoding::appendHex(text += "\\u", code, 4);
     } else {
-        appendHex(text, 'U', code, 8);
+        kt::encoding::appendHex(text += "\\U", code, 8);
     }
 }
 
@@ -45,7 +35,9 @@ std::string makeTerminalText(std::string_view text, std::size_t maxCharacters) {
     for (; !text.empty() && maxCharacters != 0; --maxCharacters) {
         const kt::encoding::Utf8Character character = kt::encoding::decodeUtf8(text);
         if (!character.mIsValid) {
-            appendHex(safe, 'x', static_cast<unsigned char>(text.front()), 2);
+            for (const char byte : text.substr(0, character.mLength)) {
+                kt::encoding::appendHex(safe += "\\x", static_cast<unsigned char>(byte), 2);
+            }
         } else if (kt::encoding::isUnsafeCharacter(character.mCode) && !isJoiner(character.mCode)) {
             appendEscape(safe, character.mCode);
         } else {

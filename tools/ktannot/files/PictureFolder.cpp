@@ -1,6 +1,7 @@
 #include "tools/ktannot/files/PictureFolder.h"
 
 #include "platform/encoding/Base64.h"
+#include "platform/encoding/PictureKind.h"
 #include "tools/ktannot/files/FileDescriptor.h"
 
 #include <fcntl.h>
@@ -43,23 +44,6 @@ std::string readRegularFile(int folder, const std::string& name) {
 
 }  // namespace
 
-std::string_view PictureFolder::getMediaType(std::string_view bytes) {
-    using namespace std::string_view_literals;
-    if (bytes.starts_with("\x89PNG\r\n\x1a\n"sv)) {
-        return "image/png";
-    }
-    if (bytes.starts_with("\xff\xd8\xff"sv)) {
-        return "image/jpeg";
-    }
-    if (bytes.starts_with("GIF87a"sv) || bytes.starts_with("GIF89a"sv)) {
-        return "image/gif";
-    }
-    if (bytes.size() >= 12 && bytes.starts_with("RIFF"sv) && bytes.substr(8, 4) == "WEBP"sv) {
-        return "image/webp";
-    }
-    return {};
-}
-
 const std::string* PictureFolder::find(const std::string& rasterName) {
     const auto [entry, isNew] = mDataUris.try_emplace(rasterName);
     if (isNew) {
@@ -88,7 +72,7 @@ std::string PictureFolder::readPicture(const std::string& rasterName) const {
         }
         for (const std::string_view suffix : sSuffixes) {
             const std::string content = readRegularFile(folder.get(), rasterName + std::string(suffix));
-            const std::string_view mediaType = getMediaType(content);
+            const std::string_view mediaType = kt::encoding::getPictureType(content);
             if (!mediaType.empty()) {
                 return "data:" + std::string(mediaType) + ";base64," + kt::encoding::encodeBase64(content);
             }

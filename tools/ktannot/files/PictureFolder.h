@@ -28,9 +28,6 @@ public:
     /// A raster callback of the migration; userData is a PictureFolder.
     static bool provide(const std::string& rasterName, std::string& rasterData, void* userData);
 
-    /// The media type of a picture by its first bytes, empty when it is none of the four kinds.
-    static std::string_view getMediaType(std::string_view bytes);
-
 private:
     std::string readPicture(const std::string& rasterName) const;
 

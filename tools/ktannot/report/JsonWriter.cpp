@@ -1,5 +1,6 @@
 #include "tools/ktannot/report/JsonWriter.h"
 
+#include "platform/encoding/Hex.h"
 #include "platform/encoding/Utf8.h"
 #include "platform/system/variant/ktVariantListImpl.h"
 #include "platform/system/variant/ktVariantMapImpl.h"
@@ -14,8 +15,6 @@ namespace ktannot {
 namespace {
 
 using Entry = kt::ktVariant::ktVariantMapImpl::Entry;
-
-constexpr std::string_view sHexDigits = "0123456789abcdef";
 
 /// Printable ASCII that stands for itself within quotes.
 bool isPlain(char character) { return character >= 0x20 && character < 0x7F && character != '"' && character != '\\'; }
@@ -226,8 +225,8 @@ void JsonWriter::writeQuoted(std::string_view utf8) {
 void JsonWriter::writeHex(std::string_view bytes) {
     for (const char byte : bytes) {
         const auto value = static_cast<unsigned char>(byte);
-        mOutput.write(sHexDigits[value >> 4U]);
-        mOutput.write(sHexDigits[value & 15U]);
+        mOutput.write(kt::encoding::sHexDigits[value >> 4U]);
+        mOutput.write(kt::encoding::sHexDigits[value & 15U]);
     }
 }
 
@@ -248,7 +247,7 @@ void JsonWriter::writeEscape(char32_t code) {
     mOutput.write("\\u");
     for (unsigned int shift = 16; shift != 0;) {
         shift -= 4;
-        mOutput.write(sHexDigits[(code >> shift) & 15U]);
+        mOutput.write(kt::encoding::sHexDigits[(code >> shift) & 15U]);
     }
 }
 

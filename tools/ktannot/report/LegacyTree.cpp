@@ -2,6 +2,7 @@
 
 #include "legacy/ktAnnotationRaster.h"
 #include "legacy/ktAnnotationText.h"
+#include "platform/encoding/Hex.h"
 #include "tools/ktannot/console/TerminalText.h"
 #include "tools/ktannot/report/DocumentCensus.h"
 
@@ -49,11 +50,9 @@ std::string formatVector(const Wm4::Vector3<float>& vector) {
 }
 
 std::string formatColor(const Wm4::Vector3<unsigned char>& color) {
-    static constexpr std::string_view sDigits = "0123456789abcdef";
     std::string text = "#";
     for (int index = 0; index < 3; ++index) {
-        text += sDigits[color[index] >> 4U];
-        text += sDigits[color[index] & 15U];
+        kt::encoding::appendHex(text, color[index], 2);
     }
     return text;
 }

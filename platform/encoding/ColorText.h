@@ -3,24 +3,23 @@
 /// @file
 /// Colours as SVG writes them.
 
-#include "platform/wm4/Wm4Vector3.h"
+#include "platform/encoding/Hex.h"
 
 #include <array>
-#include <cstddef>
 #include <string_view>
 
-namespace kt {
+namespace kt::encoding {
 
 /// A colour as "#RRGGBB", without memory of its own.
 class ColorText {
 public:
-    /// @param color  red, green and blue.
-    explicit ColorText(const Wm4::Vector3<unsigned char>& color) {
-        constexpr std::string_view digits = "0123456789ABCDEF";
+    /// @param color  has red, green and blue as x, y and z, 0 to 255.
+    template <typename Color>
+    explicit ColorText(const Color& color) {
         std::size_t position = 1;
         for (const unsigned component : {color.x, color.y, color.z}) {
-            mText[position++] = digits[component >> 4U];
-            mText[position++] = digits[component & 15U];
+            mText[position++] = sUpperHexDigits[component >> 4U];
+            mText[position++] = sUpperHexDigits[component & 15U];
         }
     }
 
@@ -30,4 +29,4 @@ private:
     std::array<char, 7> mText{'#'};
 };
 
-}  // namespace kt
+}  // namespace kt::encoding

@@ -1,0 +1,17 @@
+#pragma once
+
+/// @file
+/// Kinds of picture files.
+
+#include <cstddef>
+#include <string_view>
+
+namespace kt::encoding {
+
+/// Bytes of a file that are enough to tell its kind; a whole number of base64 groups.
+inline constexpr std::size_t sPictureHeadSize = 12;
+
+/// The media type of a PNG, JPEG, GIF or WebP file that begins so; empty for any other.
+std::string_view getPictureType(std::string_view head);
+
+}  // namespace kt::encoding
