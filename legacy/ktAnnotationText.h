@@ -32,7 +32,7 @@ public:
 
         /// Sets the height from em by the rule of the constructor.
         void setHeightEm(float heightEm);
-        /// The height in em.
+        /// The height in em; one em is 3.175 drawing units.
         float getHeightEm() const { return static_cast<float>(mHeight) / 100.0F; }
 
         /// Reads the properties of a binary stream, unchecked.

@@ -73,9 +73,9 @@ public:
     static void UnRegisterFactory();
 
     std::string mName;
-    Wm4::Vector3<float> mOrigin = Wm4::Vector3<float>::ZERO;         ///< a point of the plane, origin of its frame
-    Wm4::Vector3<float> mNormal = Wm4::Vector3<float>::UNIT_Z;       ///< z axis of the frame
-    Wm4::Vector3<float> mAxis = Wm4::Vector3<float>::UNIT_X;         ///< x axis of the frame
+    Wm4::Vector3<float> mOrigin = Wm4::Vector3<float>::ZERO;         ///< origin of the plane's frame, in scene units
+    Wm4::Vector3<float> mNormal = Wm4::Vector3<float>::UNIT_Z;       ///< z axis of the frame, without unit
+    Wm4::Vector3<float> mAxis = Wm4::Vector3<float>::UNIT_X;         ///< x axis of the frame, without unit
     std::vector<kt::ktPointer<ktAnnotationInterface>> mAnnotations;  ///< in order; entries may be null
     kt::ktVariant::ktVariantMapImpl mMetadata;
 };

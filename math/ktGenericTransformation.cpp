@@ -168,7 +168,8 @@ Real computeDeterminant(const Matrix3<Real>& m) {
 }
 
 /// The inverse, or the zero matrix when the determinant is too small. Intended: the determinant itself is tested, not
-/// its absolute value, so that a mirror is inverted only when its determinant is close to minus 1.
+/// its absolute value, so that a mirror is inverted only when its determinant is close to minus 1. Scenes were placed
+/// with that result, and a mirror of another size has never been undone.
 template <typename Real>
 Matrix3<Real> invert(const Matrix3<Real>& m) {
     const Vector3<Real> cofactors = computeFirstCofactors(m);
@@ -234,7 +235,8 @@ bool isOrthonormal(const Matrix3<Real>& matrix) {
     return true;
 }
 
-/// Intended: the products are compared without taking their absolute value, so strongly negative ones pass.
+/// Intended: the products are compared without taking their absolute value, so strongly negative ones pass. Matrices of
+/// old scenes whose axes open a little count as rotations by it.
 template <typename Real>
 bool haveSmallDotProducts(const Matrix3<Real>& matrix) {
     const auto isSmall = [&matrix](int first, int second) {

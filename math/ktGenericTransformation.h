@@ -15,8 +15,7 @@ namespace kt {
 /// The affine map Y = M S X + T of points X of space: M a 3 by 3 matrix, S the diagonal matrix of a scale vector, T a
 /// translation. It comes in two shapes:
 ///
-/// - *RS* (rotation and scale apart, the shape of a new transformation): the matrix is a rotation, and the scale
-/// applies.
+/// - *RS* (rotation and scale apart, the shape of a new transformation): the matrix is a rotation, the scale applies.
 /// - *general*: the matrix is any linear map and contains the scale; the stored scale is ignored by every mapping.
 ///
 /// Three flags let each operation take the cheapest path. They say what the setters were told, not what the numbers
@@ -33,6 +32,8 @@ namespace kt {
 /// | SetScale()           | recomputed | unchanged | whether the three components are equal |
 /// | SetUniformScale()    | recomputed | unchanged | true                                   |
 /// | recomputeIsIdentity()| recomputed | unchanged | unchanged                              |
+///
+/// Without units: translations are in those of the points, angles do not occur.
 ///
 /// A value type: trivially copyable, no allocation, no exception, distinct objects may be used by several threads.
 /// Arguments and results may be the same object everywhere. Instantiated for float and double by the library; results

@@ -47,8 +47,8 @@ bool isSameColor(std::string_view a, std::string_view b) {
     return a.size() == b.size() && (a.size() == usualSize ? std::memcmp(a.data(), b.data(), usualSize) == 0 : a == b);
 }
 
-/// A number that is not finite survives the product with zero.
-float getTrace(const Wm4::Vector2<float>& a) { return a.x * 0.0F + a.y * 0.0F; }
+/// Zero when both are finite: a number that is not survives the product with zero.
+float zeroIfFinite(const Wm4::Vector2<float>& a) { return a.x * 0.0F + a.y * 0.0F; }
 
 /// Whether the numbers of an item that is no group are finite, its transform aside.
 bool hasFiniteGeometry(const ItemInterface& item) {
@@ -57,17 +57,17 @@ bool hasFiniteGeometry(const ItemInterface& item) {
             return true;
         case ItemInterface::Kind::Rect: {
             const auto& rect = static_cast<const Rect&>(item);
-            return getTrace(rect.getPosition()) + getTrace(rect.getSize()) == 0.0F;
+            return zeroIfFinite(rect.getPosition()) + zeroIfFinite(rect.getSize()) == 0.0F;
         }
         case ItemInterface::Kind::Image: {
             const auto& image = static_cast<const Image&>(item);
-            return getTrace(image.getPosition()) + getTrace(image.getSize()) == 0.0F;
+            return zeroIfFinite(image.getPosition()) + zeroIfFinite(image.getSize()) == 0.0F;
         }
         case ItemInterface::Kind::Path:
             return isFinite(static_cast<const Path&>(item));
         case ItemInterface::Kind::Text: {
             const auto& text = static_cast<const Text&>(item);
-            return getTrace(text.getPosition()) + getTrace({text.getSize(), text.getLength()}) == 0.0F;
+            return zeroIfFinite(text.getPosition()) + zeroIfFinite({text.getSize(), text.getLength()}) == 0.0F;
         }
     }
     return false;

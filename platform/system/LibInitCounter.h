@@ -14,8 +14,7 @@ namespace kt::impl {
 class KT_SYSTEM_API LibInitCounter {
 public:
     /// @param name             the library's name, for debug lines; not copied.
-    /// @param reportUnbalanced write a debug line when there are more decrements than increments, or users left at the
-    /// end.
+    /// @param reportUnbalanced write a debug line about surplus decrements, and about users left at the end.
     LibInitCounter(const char* name, bool reportUnbalanced);
     LibInitCounter(const LibInitCounter&) = delete;
     LibInitCounter& operator=(const LibInitCounter&) = delete;

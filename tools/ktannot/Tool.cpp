@@ -41,8 +41,8 @@ ExitCode runCommand(std::vector<std::string> arguments, Console& console) {
     try {
         const LibraryUse library;
         DocumentLog log;
-        Command::Surroundings surroundings{console, log};
-        return CommandLine(createCommands()).run(std::move(arguments), surroundings);
+        Command::Channels channels{console, log};
+        return CommandLine(createCommands()).run(std::move(arguments), channels);
     } catch (const std::bad_alloc&) {
         console.tell("ktannot: there is not enough memory");
         return ExitCode::EnvironmentFailed;

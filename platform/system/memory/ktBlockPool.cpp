@@ -25,7 +25,7 @@ std::size_t ktBlockPool::giveBackUnused() noexcept { return 0; }
 
 void ktBlockPool::Releases::add(void* block, std::size_t size) noexcept { release(block, size); }
 
-void ktBlockPool::Releases::settleChunk() noexcept {}
+void ktBlockPool::Releases::countDownChunk() noexcept {}
 
 ktBlockPool::Scratch::~Scratch() = default;
 
@@ -54,7 +54,7 @@ constexpr std::size_t sMaxWarmChunks = 256;
 /// until then they are used again without the cost of fresh pages.
 constexpr std::size_t sMaxOfferedChunks = 4096;
 /// Stands for the blocks that the owner of a chunk may still hand out: more than fit a chunk, so that the count cannot
-/// reach 0 before the owner has settled it.
+/// reach 0 before the owner has given up its share.
 constexpr std::int64_t sOwnerShare = std::int64_t{1} << 40;
 
 /// Head of a chunk. A chunk lies at a multiple of its size, so that a block's address leads to its chunk.
@@ -148,7 +148,7 @@ Chunk* acquireChunk() {
     return chunk;
 }
 
-void settle(Chunk* chunk, std::int64_t count) noexcept {
+void countDown(Chunk* chunk, std::int64_t count) noexcept {
     if (chunk->mLiveCount.fetch_sub(count, std::memory_order_acq_rel) == count) {
         recycle(chunk);
     }
@@ -157,7 +157,7 @@ void settle(Chunk* chunk, std::int64_t count) noexcept {
 /// Gives up the chunk of a supply: from now on it lives as long as its blocks.
 void retire(Supply& own) noexcept {
     if (own.mChunk != nullptr) {
-        settle(static_cast<Chunk*>(own.mChunk), sOwnerShare - own.mHandedOut);
+        countDown(static_cast<Chunk*>(own.mChunk), sOwnerShare - own.mHandedOut);
         own = {nullptr, nullptr, nullptr, 0, true};
     }
 }
@@ -218,7 +218,7 @@ void ktBlockPool::release(void* block, std::size_t size) noexcept {
     if (size > sMaxBlockSize) [[unlikely]] {
         ::operator delete(block);
     } else if (block != nullptr) {
-        settle(chunkOf(block), 1);
+        countDown(chunkOf(block), 1);
     }
 }
 
@@ -239,7 +239,7 @@ void ktBlockPool::releaseObject(void* block) noexcept {
     if (block == static_cast<void*>(chunk)) [[unlikely]] {
         ::operator delete (block, std::align_val_t{sChunkSize});
     } else {
-        settle(chunk, 1);
+        countDown(chunk, 1);
     }
 }
 
@@ -259,15 +259,15 @@ void ktBlockPool::Releases::add(void* block, std::size_t size) noexcept {
     }
     Chunk* chunk = chunkOf(block);
     if (chunk != mChunk) {
-        settleChunk();
+        countDownChunk();
         mChunk = chunk;
     }
     ++mCount;
 }
 
-void ktBlockPool::Releases::settleChunk() noexcept {
+void ktBlockPool::Releases::countDownChunk() noexcept {
     if (mChunk != nullptr) {
-        settle(static_cast<Chunk*>(mChunk), mCount);
+        countDown(static_cast<Chunk*>(mChunk), mCount);
         mCount = 0;
     }
 }

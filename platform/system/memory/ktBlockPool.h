@@ -44,9 +44,9 @@ public:
     /// Releases a block of allocateObject(); null is allowed.
     static void releaseObject(void* block) noexcept;
 
-    /// Gives the chunks that hold no block and are kept for the next document (up to 64 MiB that stay in memory and 1
-    /// GiB that the system may take) back to the system; the last terminateKtSystem() does, too. Safe to call from
-    /// several threads.
+    /// Gives the chunks that hold no block and are kept for the next document back to the system: up to 64 MiB that
+    /// stay in memory, and up to 1 GiB that the system may take when it needs it. The last terminateKtSystem() does the
+    /// same. Safe to call from several threads.
     /// @return  the bytes of address space given back.
     static std::size_t giveBackUnused() noexcept;
 
@@ -59,13 +59,13 @@ public:
         Releases() noexcept = default;
         Releases(const Releases&) = delete;
         Releases& operator=(const Releases&) = delete;
-        ~Releases() { settleChunk(); }
+        ~Releases() { countDownChunk(); }
 
         /// Releases a block, which is not null; size as it was asked for.
         void add(void* block, std::size_t size) noexcept;
 
     private:
-        void settleChunk() noexcept;
+        void countDownChunk() noexcept;
 
         void* mChunk = nullptr;
         std::int64_t mCount = 0;

@@ -25,8 +25,8 @@ void CheckCommand::declareOptions(CLI::App& app) {
     declareMemoryLimit(app, mMemoryLimit);
 }
 
-ExitCode CheckCommand::run(Surroundings& surroundings) {
-    Console& console = surroundings.mConsole;
+ExitCode CheckCommand::run(Channels& channels) {
+    Console& console = channels.mConsole;
     const InputSet inputs(mArguments);
     DocumentCensus census;
     ExitCode outcome = ExitCode::AllWell;

@@ -16,7 +16,7 @@ public:
     const char* getSummary() const override { return "Read everything, report every problem, write nothing"; }
     std::string getDetails() const override;
     void declareOptions(CLI::App& app) override;
-    ExitCode run(Surroundings& surroundings) override;
+    ExitCode run(Channels& channels) override;
 
 private:
     static void printFindings(TextOutput& output, const LegacyDocument& document);

@@ -21,8 +21,9 @@ namespace ktannot {
 /// A command of the tool: declares its options, then runs with what they were set to.
 class Command {
 public:
-    /// What commands work with. The library is initialised while a command runs.
-    struct Surroundings {
+    /// Where a command writes: results and messages, and the log that the library writes to meanwhile. The library is
+    /// initialised while a command runs.
+    struct Channels {
         Console& mConsole;
         DocumentLog& mLog;
     };
@@ -41,7 +42,7 @@ public:
     virtual void declareOptions(CLI::App& app) = 0;
     /// Does the work. Throws UsageError before anything is done when the options do not fit together. The results on
     /// the console are flushed by the caller.
-    virtual ExitCode run(Surroundings& surroundings) = 0;
+    virtual ExitCode run(Channels& channels) = 0;
 
 protected:
     /// The arguments INPUT..., at least one.

@@ -112,7 +112,7 @@ void checkOptions(CLI::App& app, const std::vector<std::string>& arguments) {
 
 CommandLine::CommandLine(std::vector<std::unique_ptr<Command>> commands) : mCommands(std::move(commands)) {}
 
-ExitCode CommandLine::run(std::vector<std::string> arguments, Command::Surroundings& surroundings) {
+ExitCode CommandLine::run(std::vector<std::string> arguments, Command::Channels& channels) {
     CLI::App app(sDescription, "ktannot");
     app.footer(sExamples);
     app.set_version_flag("--version", VersionCommand::getText());
@@ -131,14 +131,14 @@ ExitCode CommandLine::run(std::vector<std::string> arguments, Command::Surroundi
         // The parser takes arguments from the back.
         std::reverse(arguments.begin(), arguments.end());
         app.parse(std::move(arguments));
-        return chosen->run(surroundings);
+        return chosen->run(channels);
     } catch (const CLI::ParseError& error) {
-        return endParsing(app, error, surroundings.mConsole);
+        return endParsing(app, error, channels.mConsole);
     } catch (const UsageError& error) {
-        tellLines(surroundings.mConsole, std::string("ktannot: ") + error.what());
+        tellLines(channels.mConsole, std::string("ktannot: ") + error.what());
         return ExitCode::WrongUsage;
     } catch (const EnvironmentError& error) {
-        tellLines(surroundings.mConsole, std::string("ktannot: ") + error.what());
+        tellLines(channels.mConsole, std::string("ktannot: ") + error.what());
         return ExitCode::EnvironmentFailed;
     }
 }

@@ -18,7 +18,7 @@ public:
 
     /// Runs a command, or shows help. Wrong usage is told on standard error.
     /// @param arguments  without the program's name.
-    ExitCode run(std::vector<std::string> arguments, Command::Surroundings& surroundings);
+    ExitCode run(std::vector<std::string> arguments, Command::Channels& channels);
 
 private:
     std::vector<std::unique_ptr<Command>> mCommands;

@@ -25,8 +25,8 @@ void InspectCommand::declareOptions(CLI::App& app) {
     declareColor(app, mColor);
 }
 
-ExitCode InspectCommand::run(Surroundings& surroundings) {
-    Console& console = surroundings.mConsole;
+ExitCode InspectCommand::run(Channels& channels) {
+    Console& console = channels.mConsole;
     const InputSet inputs(mArguments);
     JsonWriter json(console.out());
     LegacyTree tree(console.out(), Console::isColored(mColor));

@@ -14,7 +14,7 @@ public:
     const char* getSummary() const override { return "Show what documents hold"; }
     std::string getDetails() const override;
     void declareOptions(CLI::App& app) override;
-    ExitCode run(Surroundings& surroundings) override;
+    ExitCode run(Channels& channels) override;
 
 private:
     std::vector<std::string> mArguments;

@@ -270,7 +270,7 @@ void MigrateCommand::openLogFile(DocumentLog& log) const {
     });
 }
 
-ExitCode MigrateCommand::run(Surroundings& surroundings) {
+ExitCode MigrateCommand::run(Channels& channels) {
     checkOptions();
     InputSet inputs(mInputs, mInputOptions);
     if (mOptions.isToStandardOutput() && !mOptions.isDump() && inputs.size() > 1) {
@@ -282,8 +282,8 @@ ExitCode MigrateCommand::run(Surroundings& surroundings) {
     inputs.keepShard(mShard, mShards);
     mOptions.mInputs = &inputs;
 
-    Console& console = surroundings.mConsole;
-    openLogFile(surroundings.mLog);
+    Console& console = channels.mConsole;
+    openLogFile(channels.mLog);
     std::unique_ptr<MigrationReportFile> reportFile;
     if (mReportPath) {
         reportFile = std::make_unique<MigrationReportFile>(*mReportPath);

@@ -22,7 +22,7 @@ public:
     const char* getSummary() const override { return "Turn legacy documents into drawings, one SVG file per view"; }
     std::string getDetails() const override;
     void declareOptions(CLI::App& app) override;
-    ExitCode run(Surroundings& surroundings) override;
+    ExitCode run(Channels& channels) override;
 
 private:
     void checkOptions();

@@ -24,8 +24,8 @@ std::string VersionCommand::getDetails() const { return "Please give this text w
 
 void VersionCommand::declareOptions(CLI::App& /*app*/) {}
 
-ExitCode VersionCommand::run(Surroundings& surroundings) {
-    surroundings.mConsole.out().write(getText() + "\n");
+ExitCode VersionCommand::run(Channels& channels) {
+    channels.mConsole.out().write(getText() + "\n");
     return ExitCode::AllWell;
 }
 

@@ -14,7 +14,7 @@ public:
     const char* getSummary() const override { return "Tell the version of tool and library"; }
     std::string getDetails() const override;
     void declareOptions(CLI::App& app) override;
-    ExitCode run(Surroundings& surroundings) override;
+    ExitCode run(Channels& channels) override;
 
     static std::string getText();
 };
