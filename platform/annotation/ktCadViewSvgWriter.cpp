@@ -67,7 +67,8 @@ ktCadViewSvgWriter::~ktCadViewSvgWriter() = default;
 
 void ktCadViewSvgWriter::begin(std::string_view viewName) {
     using svg::SvgWriter;
-    mWriter = std::make_unique<SvgWriter>(SvgWriter::Options{mOptions.mTextMode, mOptions.mLineWidth});
+    mWriter = std::make_unique<SvgWriter>(
+        SvgWriter::Options{mOptions.mTextMode, mOptions.mLineWidth, mOptions.mDrawsPictureBackgrounds});
     mWriter->startDocument(viewName);
     mBox = {};
     mAnnotationCount = 0;

@@ -29,6 +29,8 @@ public:
         float mMargin = 5.0F;        ///< least margin around the drawing, in millimetres; not negative
         float mLineWidth = 0.25F;    ///< of leaders and outlines, in millimetres
         float mMarginShare = 0.01F;  ///< least margin as a share of the drawing's longer side; not negative
+        /// Whether the black rectangles beneath images are drawn: line art on transparency cannot be seen on them.
+        bool mDrawsPictureBackgrounds = false;
     };
 
     /// Something in an annotation that was left out or replaced.

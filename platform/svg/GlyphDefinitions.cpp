@@ -2,6 +2,7 @@
 #include "platform/svg/GlyphDefinitions_p.h"
 #include "platform/svg/NumberFormat_p.h"
 #include "platform/svg/PathData_p.h"
+#include "platform/svg/ReservedId_p.h"
 
 #include <algorithm>
 #include <cmath>
@@ -24,9 +25,7 @@ int getOutlineDecimals(const Path& outline) {
 
 }  // namespace
 
-bool GlyphDefinitions::isReserved(std::string_view id) {
-    return id.size() > 1 && id.front() == 'g' && id.find_first_not_of("0123456789", 1) == std::string_view::npos;
-}
+bool GlyphDefinitions::isReserved(std::string_view id) { return isNumberedId(id, 'g'); }
 
 void GlyphDefinitions::keepOwner(std::shared_ptr<const void> owner) { mOwners.insert(std::move(owner)); }
 
@@ -45,14 +44,9 @@ unsigned GlyphDefinitions::define(const Path& outline) {
     return entry->second;
 }
 
-std::string GlyphDefinitions::takeElement() {
+std::string_view GlyphDefinitions::getElements() {
     mBuffer.flush();
-    if (mText.empty()) {
-        return {};
-    }
-    mText.insert(0, "<defs>\n");
-    mText.append("</defs>\n");
-    return std::move(mText);
+    return mText;
 }
 
 }  // namespace kt::svg

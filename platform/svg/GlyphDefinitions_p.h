@@ -30,8 +30,8 @@ public:
     /// The number of the outline's id; 0 when there is nothing to draw.
     unsigned define(const Path& outline);
 
-    /// The definitions as one element; empty when there are none.
-    std::string takeElement();
+    /// The definitions' elements; empty when there are none.
+    std::string_view getElements();
 
 private:
     std::unordered_map<const Path*, unsigned> mNumbers;

@@ -4,7 +4,6 @@
 #include "platform/svg/ItemWriter_p.h"
 #include "platform/svg/NumberFormat_p.h"
 #include "platform/svg/PathData_p.h"
-#include "platform/svg/Picture_p.h"
 #include "platform/svg/Rect.h"
 #include "platform/svg/Text.h"
 #include "platform/svg/XmlText_p.h"
@@ -71,6 +70,11 @@ bool hasFiniteGeometry(const ItemInterface& item) {
         }
     }
     return false;
+}
+
+/// Where a box begins along an axis, whatever the sign of its size.
+double getLower(float origin, float size) {
+    return std::min(static_cast<double>(origin), static_cast<double>(origin) + static_cast<double>(size));
 }
 
 std::string_view getName(ItemInterface::Kind kind) {
@@ -216,7 +220,8 @@ void ItemWriter::appendPaint(const Paint& paint, const Paint& written) {
 
 void ItemWriter::appendNames(const ItemInterface& item) {
     if (const std::optional<std::string_view> id = item.getId()) {
-        const bool isTaken = mTextMode == SvgWriter::TextMode::Outlines && GlyphDefinitions::isReserved(*id);
+        const bool isTaken = PictureDefinitions::isReserved(*id) ||
+                             (mTextMode == SvgWriter::TextMode::Outlines && GlyphDefinitions::isReserved(*id));
         if (!id->empty() && id->size() <= sMaxNameSize && !isTaken && mIds.emplace(*id).second) {
             mBuffer->append(" id=\"");
             appendXmlText(*mBuffer, *id, XmlContext::Attribute);
@@ -278,14 +283,11 @@ void ItemWriter::writeItem(const ItemInterface& item, const WriteContext& contex
 
 void ItemWriter::appendBox(std::string_view start, const Wm4::Vector2<float>& position, const Wm4::Vector2<float>& size,
                            const Placement& placement) {
-    const auto lower = [](float origin, float extent) {
-        return std::min(static_cast<double>(origin), static_cast<double>(origin) + static_cast<double>(extent));
-    };
     char* out = putText(mBuffer->reserve(sNumbersSize), start);
     out = putLiteral(out, " x=\"");
-    out = putNumber(out, lower(position.x, size.x) + placement.mX, placement.mDecimals);
+    out = putNumber(out, getLower(position.x, size.x) + placement.mX, placement.mDecimals);
     out = putLiteral(out, "\" y=\"");
-    out = putNumber(out, lower(position.y, size.y) + placement.mY, placement.mDecimals);
+    out = putNumber(out, getLower(position.y, size.y) + placement.mY, placement.mDecimals);
     out = putLiteral(out, "\" width=\"");
     out = putNumber(out, std::abs(static_cast<double>(size.x)), placement.mDecimals);
     out = putLiteral(out, "\" height=\"");
@@ -306,18 +308,37 @@ void ItemWriter::writeRect(const Rect& rect, const Affine& map, const WriteConte
     mBuffer->append("/>\n");
 }
 
+bool ItemWriter::isPictureBackground(const ItemInterface& item, const ItemInterface& next) {
+    if (item.getKind() != ItemInterface::Kind::Rect || next.getKind() != ItemInterface::Kind::Image) {
+        return false;
+    }
+    const auto& rect = static_cast<const Rect&>(item);
+    const auto& image = static_cast<const Image&>(next);
+    return rect.getPosition() == image.getPosition() && rect.getSize() == image.getSize() &&
+           rect.getTransform() == image.getTransform() && hasFiniteGeometry(image) &&
+           mPictures.define(image.getSource()).mProblem == nullptr;
+}
+
 void ItemWriter::writeImage(const Image& image, const Affine& map, const WriteContext& context) {
-    const Picture picture(image.getSource());
-    if (const Picture::Problem* problem = picture.getProblem()) {
-        warn(problem->mKind, getName(image.getKind()), problem->mText);
+    const PictureDefinitions::Entry picture = mPictures.define(image.getSource());
+    if (picture.mProblem != nullptr) {
+        warn(picture.mProblem->mKind, getName(image.getKind()), picture.mProblem->mText);
         return;
     }
-    const Placement placement = place(map, context.mScale);
-    appendBox("<image", image.getPosition(), image.getSize(), placement);
-    appendCommon(image, map, placement, context.mWritten, context);
-    mBuffer->append(" preserveAspectRatio=\"none\" href=\"");
-    picture.appendDataUri(*mBuffer);
-    mBuffer->append("\"/>\n");
+    const auto width = std::abs(static_cast<double>(image.getSize().x));
+    const auto height = std::abs(static_cast<double>(image.getSize().y));
+    if (width == 0.0 || height == 0.0) {
+        return;
+    }
+    const Affine box(width, 0.0, 0.0, height, getLower(image.getPosition().x, image.getSize().x),
+                     getLower(image.getPosition().y, image.getSize().y));
+    char* out = putLiteral(mBuffer->reserve(sNumbersSize), "<use xlink:href=\"#p");
+    out = formatNumber(out, picture.mNumber, 0);
+    *out++ = '"';
+    mBuffer->commit(out);
+    appendTransform(map * box, context.mScale);
+    appendNames(image);
+    mBuffer->append("/>\n");
 }
 
 void ItemWriter::writePath(const Path& path, const Affine& map, const WriteContext& context) {
@@ -460,7 +481,7 @@ void ItemWriter::writeGlyph(const PlacedGlyph& glyph, double runScale, int decim
     if (number == 0) {
         return;
     }
-    char* out = putLiteral(mBuffer->reserve(sNumbersSize), "<use href=\"#g");
+    char* out = putLiteral(mBuffer->reserve(sNumbersSize), "<use xlink:href=\"#g");
     out = formatNumber(out, number, 0);
     *out++ = '"';
     if (scale == 1.0) {

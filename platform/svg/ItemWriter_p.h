@@ -7,6 +7,7 @@
 #include "platform/svg/GlyphDefinitions_p.h"
 #include "platform/svg/GlyphSource.h"
 #include "platform/svg/NumberFormat_p.h"
+#include "platform/svg/PictureDefinitions_p.h"
 #include "platform/svg/SvgWriter.h"
 #include "platform/svg/TextBuffer_p.h"
 
@@ -77,6 +78,10 @@ public:
     void warn(Warning::Kind kind, std::string_view item, std::string_view problem);
 
     GlyphDefinitions& getGlyphs() { return mGlyphs; }
+    const PictureDefinitions& getPictures() const { return mPictures; }
+
+    /// Whether an item is the ground that an image behind it in the same group covers as a whole.
+    bool isPictureBackground(const ItemInterface& item, const ItemInterface& next);
     std::vector<Warning> takeWarnings() { return std::exchange(mWarnings, {}); }
 
 private:
@@ -108,6 +113,7 @@ private:
     SvgWriter::TextMode mTextMode;
     std::unordered_set<std::string> mIds;
     GlyphDefinitions mGlyphs;
+    PictureDefinitions mPictures;
     std::vector<PlacedGlyph> mPlacedGlyphs;
     std::vector<Warning> mWarnings;
 

@@ -17,6 +17,10 @@ constexpr Picture::Problem sTooLarge{Kind::PictureTooLarge, "is larger than 7,40
 constexpr Picture::Problem sWithoutData{Kind::PictureWithoutData, "is a data URI without data"};
 constexpr Picture::Problem sNotBase64{Kind::PictureNotBase64, "is a data URI whose data is not base64"};
 
+/// Around the media type in a data URI.
+constexpr std::string_view sScheme = "data:";
+constexpr std::string_view sEncoding = ";base64,";
+
 char toLower(char character) {
     return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
 }
@@ -44,9 +48,8 @@ std::string decodePercent(std::string_view text) {
 }  // namespace
 
 Picture::Picture(std::string_view source) {
-    constexpr std::string_view scheme = "data:";
-    if (equalsIgnoringCase(source.substr(0, scheme.size()), scheme)) {
-        readDataUri(source.substr(scheme.size()));
+    if (equalsIgnoringCase(source.substr(0, sScheme.size()), sScheme)) {
+        readDataUri(source.substr(sScheme.size()));
         return;
     }
     mBytes = source;
@@ -97,10 +100,15 @@ void Picture::setType(std::string_view head) {
     }
 }
 
+std::size_t Picture::getDataUriSize() const {
+    return sScheme.size() + mMediaType.size() + sEncoding.size() + mBase64.size() +
+           encoding::getBase64Size(mBytes.size());
+}
+
 void Picture::appendDataUri(TextBuffer& buffer) const {
-    buffer.append("data:");
+    buffer.append(sScheme);
     buffer.append(mMediaType);
-    buffer.append(";base64,");
+    buffer.append(sEncoding);
     buffer.append(mBase64);
     constexpr std::size_t step = TextBuffer::sMaxReserve / 4 * 3;
     for (std::size_t start = 0; start < mBytes.size(); start += step) {

@@ -33,6 +33,8 @@ public:
     /// Null when the picture can be embedded.
     const Problem* getProblem() const { return mProblem; }
 
+    /// Bytes of the data URI; only when there is no problem.
+    std::size_t getDataUriSize() const;
     /// Appends the picture as a data URI; only when there is no problem.
     void appendDataUri(TextBuffer& buffer) const;
 

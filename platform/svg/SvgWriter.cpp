@@ -175,14 +175,15 @@ void SvgWriter::Document::selectLayer(Layer layer) {
 
 void SvgWriter::Document::writeHead(const BoundingBox& viewBox) {
     TextBuffer buffer(mHead);
-    buffer.append("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\"");
+    buffer.append(
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\" "
+        "xmlns:xlink=\"http://www.w3.org/1999/xlink\"");
     std::string view = makeView(viewBox);
     view.resize(std::max(view.size(), sViewSize), ' ');
     buffer.append(view);
     buffer.append(">\n");
     appendTitle(buffer, mTitle);
     appendLineRule(buffer);
-    buffer.append(mItems.getGlyphs().takeElement());
     buffer.flush();
 }
 
@@ -223,7 +224,15 @@ std::vector<std::string_view> SvgWriter::Document::end(const BoundingBox& viewBo
     mBeneathBuffer.flush();
     writeHead(viewBox);
     mDepth = 0;
-    return {mHead, mBeneath, mAbove};
+    std::vector<std::string_view> pieces{mHead};
+    const std::string_view glyphs = mItems.getGlyphs().getElements();
+    if (!glyphs.empty() || !mItems.getPictures().isEmpty()) {
+        pieces.insert(pieces.end(), {"<defs>\n", glyphs});
+        mItems.getPictures().appendElements(pieces);
+        pieces.emplace_back("</defs>\n");
+    }
+    pieces.insert(pieces.end(), {mBeneath, mAbove});
+    return pieces;
 }
 
 WriteContext SvgWriter::Document::getContext() const {
@@ -384,8 +393,13 @@ void SvgWriter::Document::writeTree(const ItemInterface& item, const Affine& pla
             leave(group);
             mTreeGroups.pop_back();
         } else {
-            const ItemInterface& child = *group.mNode->getChildren()[group.mNextChild++];
-            visit(child, group.mContext);
+            const Node::Children& children = group.mNode->getChildren();
+            const ItemInterface& child = *children[group.mNextChild++];
+            const bool isLeftOut = !mOptions.mDrawsPictureBackgrounds && group.mNextChild < children.size() &&
+                                   mItems.isPictureBackground(child, *children[group.mNextChild]);
+            if (!isLeftOut) {
+                visit(child, group.mContext);
+            }
         }
     }
 }

@@ -62,6 +62,9 @@ public:
     struct Options {
         TextMode mTextMode = TextMode::Text;
         float mLineWidth = 0.25F;  ///< of outlines, in drawing units (millimetres)
+        /// Whether a rectangle is drawn that the image after it covers exactly: pictures may be line art on
+        /// transparency.
+        bool mDrawsPictureBackgrounds = false;
     };
 
     /// What startGroup gives a group; empty texts are left out.

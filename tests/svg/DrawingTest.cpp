@@ -153,7 +153,14 @@ TEST(DrawingPicture, OfImages) {
     addBackground(view);
     auto turned = test::makeImage(png, {-8, -8}, {16, 16});
     turned->setTransform(svg::Transform::makeTranslationRotationScale({38, 12}, sPi / 2, 0.9F));
-    addAnnotation(view, "images", {}, {test::makeImage(png, {4, 4}, {16, 16}), turned});
+    // Line art on transparency: a cross.
+    const std::string cross =
+        "data:image/png;base64,"
+        "iVBORw0KGgoAAAANSUhEUgAAACYAAAATCAQAAABWg7c7AAAAJElEQVR42mNgIAz+wyEVwKhhQ8ew/1SEo4aRYdho"
+        "oh01DCsAAHDeAwwIuaCvAAAAAElFTkSuQmCC";
+    addAnnotation(view, "images", {},
+                  {test::makeImage(png, {4, 4}, {16, 16}), turned, makeRect({20, 20}, {10, 5}, "#000000"),
+                   test::makeImage(cross, {20, 20}, {10, 5})});
     test::expectReference(Drawing(view, sNoMargin).mText, "images", sTolerance);
 }
 

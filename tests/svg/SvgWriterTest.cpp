@@ -38,8 +38,10 @@ std::vector<test::XmlElement> endDocument(SvgWriter& writer, const BoundingBox& 
 
 /// A file with one item in it.
 struct Written {
-    explicit Written(const ItemInterface& item, SvgWriter::TextMode mode = SvgWriter::TextMode::Text) {
-        SvgWriter writer({mode, 0.25F});
+    explicit Written(const ItemInterface& item, SvgWriter::TextMode mode = SvgWriter::TextMode::Text)
+        : Written(item, SvgWriter::Options{mode}) {}
+    Written(const ItemInterface& item, const SvgWriter::Options& options) {
+        SvgWriter writer(options);
         writer.startDocument("");
         writer.writeItem(item);
         mElements = endDocument(writer);
@@ -139,8 +141,6 @@ TEST(SvgWriter, WritesWhatDiffersFromTheGroupsAround) {
         // Letters that ran from right to left, were it not for what stands around them in their line.
         {makeText("\xD7\xA9"), "text" + sFont + sLength + " unicode-bidi=bidi-override x=1 y=2 | \xD7\xA9\n"},
         {makeText("one blank each"), "text" + sFont + sLength + " x=1 y=2 | one blank each\n"},
-        {makeImage("GIF89a", {0, 0}, {2, -1}),
-         "image height=1 href=data:image/gif;base64,R0lGODlh preserveAspectRatio=none width=2 x=0 y=-1\n"},
     };
     for (const auto& [item, expected] : rows) {
         EXPECT_EQ(Written(*item).describe(), expected);
@@ -240,7 +240,7 @@ TEST(SvgWriter, WritesOnlyColoursAsColours) {
 
 TEST(SvgWriter, WritesNamesOnceAndKeepsGlyphIds) {
     Node root;
-    for (const char* id : {"longer than a<b", "much longer than a<b", "much longer than a<b", "g7"}) {
+    for (const char* id : {"longer than a<b", "much longer than a<b", "much longer than a<b", "g7", "p1"}) {
         auto rect = makeRect({1, 2}, {3, 4});
         rect->setId(id);
         rect->setClass("border \"x\"");
@@ -251,7 +251,8 @@ TEST(SvgWriter, WritesNamesOnceAndKeepsGlyphIds) {
     EXPECT_EQ(Written(root, SvgWriter::TextMode::Outlines).describe(),
               "rect class=border \"x\" height=4 id=longer than a<b" + rest +
                   "rect class=border \"x\" height=4 id=much longer than a<b" + rest +
-                  "rect class=border \"x\" height=4" + rest + "rect class=border \"x\" height=4" + rest);
+                  "rect class=border \"x\" height=4" + rest + "rect class=border \"x\" height=4" + rest +
+                  "rect class=border \"x\" height=4" + rest);
     EXPECT_EQ(test::findElements(Written(root).mElements, "rect")[3].getAttribute("id"), "g7");
 }
 
@@ -361,10 +362,31 @@ TEST(SvgWriter, DefinesEachGlyphOnce) {
     root.appendChild(makeText("without outlines"));
     const Written written(root, SvgWriter::TextMode::Outlines);
     const std::string uses =
-        "g transform=matrix(2 0 0 2 1 2)\n.use href=#g1 x=0\n.use href=#g1 x=2\n.use href=#g1 x=3\n";
+        "g transform=matrix(2 0 0 2 1 2)\n.use x=0 xlink:href=#g1\n.use x=2 xlink:href=#g1\n.use x=3 xlink:href=#g1\n";
     EXPECT_EQ(written.describe(), "defs\n.path d=M0 0L1 0L0.33333 -1Z id=g1\n" + uses + uses + "text" + sFont +
                                       sLength + " x=1 y=2 | without outlines\n");
     EXPECT_THAT(written.mKinds, ElementsAre(Kind::OutlinesMissing));
+}
+
+TEST(SvgWriter, EmbedsEachPictureOnceAndLeavesOutWhatItCovers) {
+    using namespace std::string_literals;
+    const auto ground = makeRect({0, 0}, {3, 2}, "#000000");
+    const std::string definitions =
+        "defs\n.image height=1 id=p1 preserveAspectRatio=none width=1 xlink:href=data:image/gif;base64,R0lGODlh\n"
+        ".image height=1 id=p2 preserveAspectRatio=none width=1 xlink:href=data:image/gif;base64,R0lGODdh\n";
+    const std::string uses =
+        "use transform=matrix(2 0 0 1 0 -1) xlink:href=#p1\nuse transform=matrix(3 0 0 2 0 0) xlink:href=#p1\n";
+    const std::string rect = "rect height=2 width=3 x=0 y=0\n";
+    const std::string last = "use transform=translate(0 0) xlink:href=#p2\n";
+    const auto root =
+        makeGroup({}, {makeImage("GIF89a", {0, 0}, {2, -1}), ground, makeImage("data:,GIF89a", {0, 0}, {3, 2}), ground,
+                       makeImage("data:image/gif;base64,R0lGODdh", {0, 0}, {1, 1}), ground,
+                       makeImage("no picture", {0, 0}, {3, 2})});
+    EXPECT_EQ(Written(*root).describe(), definitions + uses + rect + last + rect);
+    SvgWriter::Options options;
+    options.mDrawsPictureBackgrounds = true;
+    EXPECT_EQ(Written(*root, options).describe(), definitions + uses.substr(0, uses.find('\n') + 1) + rect +
+                                                      uses.substr(uses.find('\n') + 1) + rect + last + rect);
 }
 
 TEST(SvgWriter, WritesPathsInAbsoluteCommands) {
