@@ -67,8 +67,8 @@ ktCadViewSvgWriter::~ktCadViewSvgWriter() = default;
 
 void ktCadViewSvgWriter::begin(std::string_view viewName) {
     using svg::SvgWriter;
-    mWriter = std::make_unique<SvgWriter>(
-        SvgWriter::Options{mOptions.mTextMode, mOptions.mLineWidth, mOptions.mDrawsPictureBackgrounds});
+    mWriter = std::make_unique<SvgWriter>(SvgWriter::Options{mOptions.mTextMode, mOptions.mLineWidth,
+                                                             mOptions.mDrawsPictureBackgrounds, mOptions.mBackground});
     mWriter->startDocument(viewName);
     mBox = {};
     mAnnotationCount = 0;
@@ -133,7 +133,8 @@ std::vector<std::string_view> ktCadViewSvgWriter::finish() {
     const float longerSide = std::min(std::max(mBox.getWidth(), mBox.getHeight()), sMaxSide);
     const float margin = std::max(mOptions.mMargin, mOptions.mMarginShare * longerSide);
     mBox.addMargin({margin, margin});
-    return mWriter->endDocument(mBox);
+    const std::string count = std::to_string(mAnnotationCount);
+    return mWriter->endDocument(mBox, count + (mAnnotationCount == 1 ? " annotation" : " annotations"));
 }
 
 void ktCadViewSvgWriter::write(const ktCadAnnotationView& view, std::string& file) {

@@ -31,6 +31,7 @@ public:
         float mMarginShare = 0.01F;  ///< least margin as a share of the drawing's longer side; not negative
         /// Whether the black rectangles beneath images are drawn: line art on transparency cannot be seen on them.
         bool mDrawsPictureBackgrounds = false;
+        std::string mBackground{};  ///< colour of the page, one that svg::SvgWriter::isColor accepts; empty: none
     };
 
     /// Something in an annotation that was left out or replaced.

@@ -29,17 +29,6 @@ bool isLetter(char character) {
     return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z');
 }
 
-/// "#" and hexadecimal digits, or a word such as "none": nothing that could refer to anything.
-bool isColor(std::string_view text) {
-    constexpr std::size_t maxWordSize = 32;
-    if (text.starts_with('#')) {
-        const std::string_view digits = text.substr(1);
-        return (digits.size() == 6 || digits.size() == 3) &&
-               std::all_of(digits.begin(), digits.end(), [](char digit) { return encoding::hexValue(digit) >= 0; });
-    }
-    return !text.empty() && text.size() <= maxWordSize && std::all_of(text.begin(), text.end(), isLetter);
-}
-
 /// Spares the comparison's call for the usual spelling, "#RRGGBB".
 bool isSameColor(std::string_view a, std::string_view b) {
     constexpr std::size_t usualSize = 7;
@@ -132,6 +121,17 @@ std::string makeFontFamily(std::string_view font) {
 
 }  // namespace
 
+bool SvgWriter::isColor(std::string_view text) {
+    // Nothing that could refer to anything.
+    constexpr std::size_t maxWordSize = 32;
+    if (text.starts_with('#')) {
+        const std::string_view digits = text.substr(1);
+        return (digits.size() == 6 || digits.size() == 3) &&
+               std::all_of(digits.begin(), digits.end(), [](char digit) { return encoding::hexValue(digit) >= 0; });
+    }
+    return !text.empty() && text.size() <= maxWordSize && std::all_of(text.begin(), text.end(), isLetter);
+}
+
 bool SvgWriter::isWritable(const ItemInterface& item) {
     return (!item.getTransform() || Affine(*item.getTransform()).isFinite()) && hasFiniteGeometry(item);
 }
@@ -141,14 +141,6 @@ int getScaledDecimals(double scale) {
     constexpr double rounding = 1e-6;
     const double digits = std::ceil(std::log10(scale) - rounding);
     return sCoordinateDecimals + static_cast<int>(std::clamp(digits, -3.0, 20.0));
-}
-
-void appendTitle(TextBuffer& buffer, std::string_view title) {
-    if (!title.empty()) {
-        buffer.append("<title>");
-        appendXmlText(buffer, encoding::cutUtf8(title, SvgWriter::sMaxTitleSize), XmlContext::Content);
-        buffer.append("</title>\n");
-    }
 }
 
 ItemWriter::ItemWriter(TextBuffer& buffer, const SvgWriter::Options& options)
@@ -164,7 +156,7 @@ Paint ItemWriter::getPaint(const ItemInterface& item, const Paint& inherited) {
         if (!own || isSameColor(*own, color)) {
             return;
         }
-        if (isColor(*own)) {
+        if (SvgWriter::isColor(*own)) {
             color = *own;
         } else {
             warn(Warning::Kind::ColorUnknown, "a colour", "it is neither a word nor #RRGGBB");
@@ -218,7 +210,7 @@ void ItemWriter::appendPaint(const Paint& paint, const Paint& written) {
     mBuffer->commit(putPaint(mBuffer->reserve(sNumbersSize), paint, written));
 }
 
-void ItemWriter::appendNames(const ItemInterface& item) {
+void ItemWriter::appendNames(const ItemInterface& item, bool hasScalingOutline) {
     if (const std::optional<std::string_view> id = item.getId()) {
         const bool isTaken = PictureDefinitions::isReserved(*id) ||
                              (mTextMode == SvgWriter::TextMode::Outlines && GlyphDefinitions::isReserved(*id));
@@ -228,17 +220,15 @@ void ItemWriter::appendNames(const ItemInterface& item) {
             mBuffer->append("\"");
         }
     }
-    const std::optional<std::string_view> classText = item.getClass();
-    if (classText && !classText->empty() && classText->size() <= sMaxNameSize) {
-        mBuffer->append(" class=\"");
-        appendXmlText(*mBuffer, *classText, XmlContext::Attribute);
-        mBuffer->append("\"");
+    std::string_view classText = item.getClass().value_or(std::string_view());
+    if (classText.size() > sMaxNameSize) {
+        classText = {};
     }
-}
-
-void ItemWriter::appendOutlineStyle(const ItemInterface& item) {
-    if (item.getStyleOption() == ItemInterface::sStyleNonScalingStroke) {
-        mBuffer->append(" vector-effect=\"non-scaling-stroke\"");
+    if (hasScalingOutline || !classText.empty()) {
+        mBuffer->append(hasScalingOutline ? " class=\"s" : " class=\"");
+        mBuffer->append(hasScalingOutline && !classText.empty() ? " " : "");
+        appendXmlText(*mBuffer, classText, XmlContext::Attribute);
+        mBuffer->append("\"");
     }
 }
 
@@ -248,7 +238,8 @@ void ItemWriter::appendCommon(const ItemInterface& item, const Affine& map, cons
         appendTransform(map, context.mScale);
     }
     appendPaint(paint, context.mWritten);
-    appendNames(item);
+    const bool hasOutline = item.getKind() != ItemInterface::Kind::Text && paint.mOutlineColor != sNone;
+    appendNames(item, hasOutline && item.getStyleOption() != ItemInterface::sStyleNonScalingStroke);
 }
 
 void ItemWriter::writeItem(const ItemInterface& item, const WriteContext& context) {
@@ -304,7 +295,6 @@ void ItemWriter::writeRect(const Rect& rect, const Affine& map, const WriteConte
     const Paint paint = getPaint(rect, context.mInherited);
     appendBox("<rect", rect.getPosition(), rect.getSize(), placement);
     appendCommon(rect, map, placement, paint, context);
-    appendOutlineStyle(rect);
     mBuffer->append("/>\n");
 }
 
@@ -349,7 +339,6 @@ void ItemWriter::writePath(const Path& path, const Affine& map, const WriteConte
     const Paint paint = getPaint(path, context.mInherited);
     mBuffer->append("<path");
     appendCommon(path, map, placement, paint, context);
-    appendOutlineStyle(path);
     mBuffer->append(" d=\"");
     appendPathData(*mBuffer, path, placement.mX, placement.mY, placement.mDecimals);
     mBuffer->append("\"/>\n");

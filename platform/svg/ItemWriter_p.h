@@ -27,8 +27,6 @@ class Text;
 
 inline constexpr std::string_view sNotFinite = "a number is not finite";
 
-void appendTitle(TextBuffer& buffer, std::string_view title);
-
 /// Fill and outline colour.
 struct Paint {
     std::string_view mColor;
@@ -71,7 +69,8 @@ public:
     void appendTransform(const Affine& map, double outerScale);
     void appendPaint(const Paint& paint, const Paint& written);
     /// Id and class.
-    void appendNames(const ItemInterface& item);
+    /// @param hasScalingOutline  whether the item has an outline that gets wider when the drawing is enlarged.
+    void appendNames(const ItemInterface& item, bool hasScalingOutline = false);
     void forgetId(std::string_view id) { mIds.erase(std::string(id)); }
 
     /// Tells that an item was left out.
@@ -104,7 +103,6 @@ private:
     static char* putPaint(char* out, const Paint& paint, const Paint& written);
     void appendBox(std::string_view start, const Wm4::Vector2<float>& position, const Wm4::Vector2<float>& size,
                    const Placement& placement);
-    void appendOutlineStyle(const ItemInterface& item);
     /// Everything after the attributes that are an element's own.
     void appendCommon(const ItemInterface& item, const Affine& map, const Placement& placement, const Paint& paint,
                       const WriteContext& context);

@@ -1,5 +1,6 @@
 #include "platform/svg/SvgWriter.h"
 
+#include "platform/svg/FileHead_p.h"
 #include "platform/svg/ItemWriter_p.h"
 #include "platform/svg/Node.h"
 #include "platform/svg/NumberFormat_p.h"
@@ -23,33 +24,6 @@ constexpr int sMaxGroupDepth = SvgWriter::sMaxDepth - 2;
 
 /// Lines go on in another element when one has this many bytes.
 constexpr std::size_t sLinesSize = 1'000'000;
-
-/// Room for the extent of a drawing of usual size.
-constexpr std::size_t sViewSize = 110;
-
-/// Least extent of a drawing, in millimetres: without width or height nothing would be shown.
-constexpr double sMinExtent = 1.0;
-
-/// Origin and extent of the drawing along one axis.
-struct ViewRange {
-    double mOrigin;
-    double mExtent;
-};
-
-/// Whether the box has corners that are numbers; its width and height may still be too large for one.
-bool hasFiniteCorners(const BoundingBox& box) {
-    const Wm4::Vector2<float>& lower = box.getMinPoint();
-    const Wm4::Vector2<float>& upper = box.getMaxPoint();
-    return !box.isEmpty() && std::isfinite(lower.x) && std::isfinite(lower.y) && std::isfinite(upper.x) &&
-           std::isfinite(upper.y);
-}
-
-ViewRange makeViewRange(float minimum, float maximum) {
-    const auto lower = static_cast<double>(minimum);
-    const double extent = static_cast<double>(maximum) - lower;
-    const double missing = std::max(0.0, sMinExtent - extent);
-    return {lower - 0.5 * missing, extent + missing};
-}
 
 /// Asks for the children's memory at once: items lie scattered, and waiting for each in turn would take most of the
 /// time.
@@ -105,7 +79,7 @@ public:
 
     void start(std::string_view title);
     void selectLayer(Layer layer);
-    std::vector<std::string_view> end(const BoundingBox& viewBox);
+    std::vector<std::string_view> end(const BoundingBox& viewBox, std::string_view description);
     bool startGroup(const Group& group);
     void endGroup();
     void startLines();
@@ -134,11 +108,6 @@ private:
         bool mIsOpen;  ///< has an element of its own
     };
 
-    /// What comes before the layers: known at the end.
-    void writeHead(const BoundingBox& viewBox);
-    void appendLineRule(TextBuffer& buffer) const;
-    /// The attributes of the root element that say what is shown.
-    std::string makeView(const BoundingBox& viewBox) const;
     WriteContext getContext() const;
     /// Opens a group of the tree, unless there is nothing to write in it.
     void enter(const Node& node, const WriteContext& outer);
@@ -150,6 +119,7 @@ private:
     Options mOptions;
     std::string mTitle;
     std::string mHead;
+    std::string mGround;
     std::string mBeneath;
     std::string mAbove;
     TextBuffer mBeneathBuffer{mBeneath};
@@ -173,56 +143,13 @@ void SvgWriter::Document::selectLayer(Layer layer) {
     mItems.setBuffer(*mBuffer);
 }
 
-void SvgWriter::Document::writeHead(const BoundingBox& viewBox) {
-    TextBuffer buffer(mHead);
-    buffer.append(
-        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\" "
-        "xmlns:xlink=\"http://www.w3.org/1999/xlink\"");
-    std::string view = makeView(viewBox);
-    view.resize(std::max(view.size(), sViewSize), ' ');
-    buffer.append(view);
-    buffer.append(">\n");
-    appendTitle(buffer, mTitle);
-    appendLineRule(buffer);
-    buffer.flush();
-}
-
-void SvgWriter::Document::appendLineRule(TextBuffer& buffer) const {
-    // An outline that keeps its width is as wide on the screen as in the drawing at its natural size: 96 pixels to an
-    // inch. Renderers that do not know such outlines skip the rule and scale the drawing's line width.
-    constexpr double pixelsPerMillimetre = 96.0 / 25.4;
-    buffer.append("<style>@supports(vector-effect:non-scaling-stroke){[vector-effect]{stroke-width:");
-    buffer.commit(formatCoordinate(buffer.reserve(sMaxNumberLength),
-                                   static_cast<double>(mOptions.mLineWidth) * pixelsPerMillimetre));
-    buffer.append("px}}</style>\n");
-}
-
-std::string SvgWriter::Document::makeView(const BoundingBox& viewBox) const {
-    const BoundingBox box = hasFiniteCorners(viewBox) ? viewBox : BoundingBox({}, {});
-    const ViewRange x = makeViewRange(box.getMinPoint().x, box.getMaxPoint().x);
-    const ViewRange y = makeViewRange(box.getMinPoint().y, box.getMaxPoint().y);
-    char text[512];
-    char* out = putLiteral(text, " width=\"");
-    out = formatCoordinate(out, x.mExtent);
-    out = putLiteral(out, "mm\" height=\"");
-    out = formatCoordinate(out, y.mExtent);
-    out = putLiteral(out, "mm\" viewBox=\"");
-    for (const double number : {x.mOrigin, y.mOrigin, x.mExtent}) {
-        out = formatCoordinate(out, number);
-        *out++ = ' ';
-    }
-    out = formatCoordinate(out, y.mExtent);
-    out = putLiteral(out, "\" stroke-width=\"");
-    out = formatCoordinate(out, static_cast<double>(mOptions.mLineWidth));
-    *out++ = '"';
-    return {text, out};
-}
-
-std::vector<std::string_view> SvgWriter::Document::end(const BoundingBox& viewBox) {
+std::vector<std::string_view> SvgWriter::Document::end(const BoundingBox& viewBox, std::string_view description) {
     mAboveBuffer.append("</svg>\n");
     mAboveBuffer.flush();
     mBeneathBuffer.flush();
-    writeHead(viewBox);
+    const FileHead head(mOptions, viewBox);
+    mHead = head.makeText(mTitle, description);
+    mGround = head.makeGround();
     mDepth = 0;
     std::vector<std::string_view> pieces{mHead};
     const std::string_view glyphs = mItems.getGlyphs().getElements();
@@ -231,7 +158,7 @@ std::vector<std::string_view> SvgWriter::Document::end(const BoundingBox& viewBo
         mItems.getPictures().appendElements(pieces);
         pieces.emplace_back("</defs>\n");
     }
-    pieces.insert(pieces.end(), {mBeneath, mAbove});
+    pieces.insert(pieces.end(), {mGround, mBeneath, mAbove});
     return pieces;
 }
 
@@ -428,7 +355,9 @@ void SvgWriter::writeItem(const ItemInterface& item, const Transform* placement)
     mDocument->writeTree(item, placement != nullptr ? Affine(*placement) : Affine());
 }
 
-std::vector<std::string_view> SvgWriter::endDocument(const BoundingBox& viewBox) { return mDocument->end(viewBox); }
+std::vector<std::string_view> SvgWriter::endDocument(const BoundingBox& viewBox, std::string_view description) {
+    return mDocument->end(viewBox, description);
+}
 
 std::vector<SvgWriter::Warning> SvgWriter::takeWarnings() { return mDocument->takeWarnings(); }
 

@@ -65,6 +65,7 @@ public:
         /// Whether a rectangle is drawn that the image after it covers exactly: pictures may be line art on
         /// transparency.
         bool mDrawsPictureBackgrounds = false;
+        std::string mBackground{};  ///< colour of the whole page, one that isColor accepts; empty: none
     };
 
     /// What startGroup gives a group; empty texts are left out.
@@ -82,6 +83,9 @@ public:
 
     /// Whether all numbers of the item itself, not of a group's children, are finite, so that it can be written.
     static bool isWritable(const ItemInterface& item);
+
+    /// Whether a text is a colour that is written: a word, #RGB or #RRGGBB.
+    static bool isColor(std::string_view text);
 
     /// Begins the file, in the layer above.
     void startDocument(std::string_view title);
@@ -107,8 +111,9 @@ public:
     /// has just been written is still in the cache.
     /// @param viewBox  in millimetres, y down. A box without width or height is widened to a millimetre; one that is
     ///                 empty or not finite becomes a millimetre at the origin.
+    /// @param description  for people who cannot see the drawing; empty: none.
     /// @return the file's text in pieces, in order; valid until the writer is destroyed.
-    std::vector<std::string_view> endDocument(const BoundingBox& viewBox);
+    std::vector<std::string_view> endDocument(const BoundingBox& viewBox, std::string_view description = {});
 
     /// Hands over what was left out or replaced since the last call, in order.
     std::vector<Warning> takeWarnings();

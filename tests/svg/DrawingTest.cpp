@@ -15,6 +15,7 @@ using test::Point2;
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::Field;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Property;
 
@@ -72,7 +73,7 @@ void addBackground(ktCadAnnotationView& view) {
     addAnnotation(view, "background", {}, {makeRect({0, 0}, {50.8F, 25.4F}, "#F0F0F0")});
 }
 
-constexpr ktCadViewSvgWriter::Options sNoMargin{svg::SvgWriter::TextMode::Text, 0.0F, 0.5F, 0.0F};
+const ktCadViewSvgWriter::Options sNoMargin{svg::SvgWriter::TextMode::Text, 0.0F, 0.5F, 0.0F};
 
 TEST(Drawing, ShowsItsTitleAndHasAMargin) {
     ktCadAnnotationView view;
@@ -80,9 +81,14 @@ TEST(Drawing, ShowsItsTitleAndHasAMargin) {
     const Drawing drawing(view);
     EXPECT_EQ(drawing.mElements.at(0).getAttribute("viewBox"), "-5 -5 10 10");
     EXPECT_EQ(test::findElements(drawing.mElements, "title").at(0).mText, "Top & bottom \xEF\xBF\xBD");
+    EXPECT_EQ(test::findElements(drawing.mElements, "desc").at(0).mText, "0 annotations");
     addAnnotation(view, "wide", {}, {makeRect({0, 0}, {1000, 10})});
-    EXPECT_EQ(Drawing(view).mElements.at(0).getAttribute("viewBox"), "-10 -10 1020 30")
-        << "large ones have more margin";
+    ktCadViewSvgWriter::Options options;
+    options.mBackground = "white";
+    const Drawing wide(view, options);
+    EXPECT_EQ(wide.mElements.at(0).getAttribute("viewBox"), "-10 -10 1020 30") << "large ones have more margin";
+    EXPECT_THAT(test::describeElements(wide.mElements),
+                HasSubstr("desc | 1 annotation\nrect fill=white height=30 width=1020 x=-10 y=-10\ng\n"));
 }
 
 TEST(Drawing, PutsLeadersBeneathAnnotationsAndHoldsEverything) {
@@ -96,6 +102,7 @@ TEST(Drawing, PutsLeadersBeneathAnnotationsAndHoldsEverything) {
     // x from the second annotation to the head's end, y from the first annotation's frame to the head.
     EXPECT_EQ(drawing.mElements.at(0).getAttribute("viewBox"), "-35 -26 94 71");
     EXPECT_EQ(test::describeElements(drawing.mElements),
+              "desc | 2 annotations\n"
               "g fill=#FF00AB stroke=#FF00AB\n"
               ".path d=M50 40L-30 -5\n"
               ".path d=M4 2L0 0L4 0Z stroke=none transform=matrix(1 0 0 -1 50 40)\n"

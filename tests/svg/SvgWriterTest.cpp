@@ -120,6 +120,8 @@ TEST(SvgWriter, WritesWhatDiffersFromTheGroupsAround) {
     rich->setBold(true);
     rich->setItalic(true);
     rich->setRightToLeft(true);
+    auto scaled = makeRect({1, 2}, {3, 4}, "none", "#00FF00");
+    scaled->setClass("border");
     const std::string light = ".text" + sLength + " x=1 y=2 | A\n";
     const std::pair<std::shared_ptr<ItemInterface>, std::string> rows[] = {
         {makeGroup(Transform::makeTranslation({10, 20}), {moved}), "rect height=4 width=3 x=8.5 y=22\n"},
@@ -130,7 +132,7 @@ TEST(SvgWriter, WritesWhatDiffersFromTheGroupsAround) {
          "g transform=matrix(1000 0 0 1000 0 0)\n.rect height=1 width=1 x=0.123456 y=0\n.rect height=4 width=3 x=1 "
          "y=2\n"},
         {colored, "g fill=#FF0000\n.text" + sFont + sLength + " x=1 y=2 | A\n" +
-                      ".rect fill=none height=4 stroke=#00FF00 width=3 x=1 y=2\n"},
+                      ".rect class=s fill=none height=4 stroke=#00FF00 width=3 x=1 y=2\n"},
         {makeGroup({}, {makeWeighted(true), makeWeighted(true), makeWeighted(false)}),
          "g" + sFont + " font-weight=bold\n" + light + light + ".text" + sFont + " font-weight=normal" + sLength +
              " x=1 y=2 | A\n"},
@@ -140,6 +142,7 @@ TEST(SvgWriter, WritesWhatDiffersFromTheGroupsAround) {
          "xml:space=preserve y=2 |  two  blanks & <more> \n"},
         // Letters that ran from right to left, were it not for what stands around them in their line.
         {makeText("\xD7\xA9"), "text" + sFont + sLength + " unicode-bidi=bidi-override x=1 y=2 | \xD7\xA9\n"},
+        {scaled, "rect class=s border fill=none height=4 stroke=#00FF00 width=3 x=1 y=2\n"},
         {makeText("one blank each"), "text" + sFont + sLength + " x=1 y=2 | one blank each\n"},
     };
     for (const auto& [item, expected] : rows) {
@@ -247,7 +250,7 @@ TEST(SvgWriter, WritesNamesOnceAndKeepsGlyphIds) {
         rect->setStyleOption(ItemInterface::sStyleNonScalingStroke);
         root.appendChild(rect);
     }
-    const std::string rest = " vector-effect=non-scaling-stroke width=3 x=1 y=2\n";
+    const std::string rest = " width=3 x=1 y=2\n";
     EXPECT_EQ(Written(root, SvgWriter::TextMode::Outlines).describe(),
               "rect class=border \"x\" height=4 id=longer than a<b" + rest +
                   "rect class=border \"x\" height=4 id=much longer than a<b" + rest +
