@@ -1,5 +1,5 @@
-#include "platform/annotation/AdvanceTable_p.h"
 #include "platform/annotation/Font_p.h"
+#include "platform/annotation/SimpleGlyphRules_p.h"
 
 #include <ft2build.h>
 #include <hb-ot.h>
@@ -232,9 +232,13 @@ const svg::Path* Font::getOutline(hb_codepoint_t glyph) const {
     return entry->second.get();
 }
 
-const AdvanceTable& Font::getAdvanceTable() const {
-    std::call_once(mAdvanceTableFlag, [this] { mAdvanceTable = std::make_unique<AdvanceTable>(*this); });
-    return *mAdvanceTable;
+const SimpleGlyphRules& Font::getSimpleGlyphRules(hb_script_t script) const {
+    const std::scoped_lock lock(mRulesMutex);
+    std::unique_ptr<const SimpleGlyphRules>& rules = mRules[script];
+    if (rules == nullptr) {
+        rules = std::make_unique<const SimpleGlyphRules>(*this, script);
+    }
+    return *rules;
 }
 
 }  // namespace kt::text

@@ -11,6 +11,7 @@
 #include <array>
 #include <cstdint>
 #include <limits>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -19,7 +20,7 @@
 
 namespace kt::text {
 
-class AdvanceTable;
+class SimpleGlyphRules;
 
 /// Where a font comes from, and what stands in for a style that it lacks.
 struct FontSource {
@@ -85,8 +86,8 @@ public:
     InkBox getInkBox(hb_codepoint_t glyph) const;
     /// The glyph's outline in font units with y down, null for a glyph without ink. Lives as long as the font.
     const svg::Path* getOutline(hb_codepoint_t glyph) const;
-    /// Widths of simple texts without shaping; built at the first call.
-    const AdvanceTable& getAdvanceTable() const;
+    /// Which glyphs are simple in text of the script; built at the first call for it.
+    const SimpleGlyphRules& getSimpleGlyphRules(hb_script_t script) const;
 
 private:
     struct FontDeleter {
@@ -101,8 +102,8 @@ private:
     FontSource mSource;
     unsigned mUnitsPerEm;
     FontMetrics mMetrics;
-    mutable std::once_flag mAdvanceTableFlag;
-    mutable std::unique_ptr<AdvanceTable> mAdvanceTable;
+    mutable std::mutex mRulesMutex;
+    mutable std::map<hb_script_t, std::unique_ptr<const SimpleGlyphRules>> mRules;
     mutable std::mutex mOutlineMutex;
     mutable std::unique_ptr<OutlineReader> mOutlineReader;
     mutable std::unordered_map<hb_codepoint_t, std::unique_ptr<const svg::Path>> mOutlines;

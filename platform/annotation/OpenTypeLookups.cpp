@@ -73,6 +73,13 @@ bool OpenTypeLookups::positionsSecondGlyph(unsigned lookup) const {
     return false;
 }
 
+void OpenTypeLookups::appendPairFirsts(unsigned lookup, std::vector<hb_codepoint_t>& glyphs) const {
+    for (const std::size_t subtable : getSubtables(lookup)) {
+        const std::vector<hb_codepoint_t> firsts = getCoveredGlyphs(subtable + read16(subtable + 2));
+        glyphs.insert(glyphs.end(), firsts.begin(), firsts.end());
+    }
+}
+
 void OpenTypeLookups::appendLigatureStarts(unsigned lookup, std::vector<GlyphPair>& pairs) const {
     for (const std::size_t subtable : getSubtables(lookup)) {
         const std::vector<hb_codepoint_t> firsts = getCoveredGlyphs(subtable + read16(subtable + 2));

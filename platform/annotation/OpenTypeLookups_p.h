@@ -54,6 +54,8 @@ public:
     bool skipsLetters(unsigned lookup) const;
     /// Whether any pair positioning of the lookup has a place for the second glyph.
     bool positionsSecondGlyph(unsigned lookup) const;
+    /// Appends the glyphs that any pair positioning of the lookup takes for the first of a pair.
+    void appendPairFirsts(unsigned lookup, std::vector<hb_codepoint_t>& glyphs) const;
     /// Appends the first two components of all ligatures of the lookup.
     void appendLigatureStarts(unsigned lookup, std::vector<GlyphPair>& pairs) const;
 

@@ -1,5 +1,5 @@
-#include "platform/annotation/Characters_p.h"
 #include "platform/annotation/RunGlyphs_p.h"
+#include "platform/annotation/RunShaper_p.h"
 #include "platform/annotation/StyleFonts_p.h"
 #include "platform/encoding/Utf8.h"
 
@@ -7,10 +7,28 @@
 
 namespace kt::text {
 
+namespace {
+
+constexpr std::size_t sCharacterEnd = 0x110000;
+/// Blocks of characters that are remembered; half a megabyte. Characters of more blocks are shaped.
+constexpr std::size_t sMaxPageCount = 256;
+
+}  // namespace
+
+const StyleFonts::Page StyleFonts::sUnknownPage{};
+const StyleFonts::Character StyleFonts::sNotSimple{};
+
+StyleFonts::ScriptCharacters::ScriptCharacters(hb_script_t script)
+    : mScript(script), mPages(sCharacterEnd / sPageSize, &sUnknownPage) {}
+
 StyleFonts::StyleFonts(std::shared_ptr<const FontStack> fonts)
     : mStack(std::move(fonts)),
       mMainFont(mStack->getMainFont()),
-      mSimpleGlyphs(std::make_shared<SimpleGlyphs>(mStack)) {}
+      mSimpleGlyphs(std::make_shared<SimpleGlyphs>(mStack)) {
+    mScripts.push_back(std::make_unique<ScriptCharacters>(HB_SCRIPT_LATIN));
+}
+
+StyleFonts::~StyleFonts() = default;
 
 const Font* StyleFonts::findFont(std::u32string_view cluster) {
     if (cluster.size() > 1) {
@@ -24,59 +42,77 @@ const Font* StyleFonts::findFont(std::u32string_view cluster) {
 }
 
 bool StyleFonts::measureSimple(std::string_view text, RunExtent& extent) {
-    if (mSlots.empty()) {
-        mSlots.resize(AdvanceTable::sCharacterEnd);
-    }
-    const AdvanceTable* table = nullptr;
+    ScriptCharacters& latin = *mScripts.front();
+    const Character* last = nullptr;
+    AdvanceTable* table = nullptr;
     InkBox ink;
     std::int64_t pen = 0;
-    Slot last;
     for (std::size_t position = 0; position < text.size();) {
         // The position itself stays in a register.
         std::size_t end = position + 1;
-        char32_t character = static_cast<unsigned char>(text[position]);
-        if (character >= 0x80) {
+        char32_t code = static_cast<unsigned char>(text[position]);
+        if (code >= 0x80) {
             const encoding::Utf8Character decoded = encoding::decodeUtf8(text.substr(position));
             end = position + decoded.mLength;
-            character = decoded.mCode;
+            code = decoded.mCode;
         }
         position = end;
-        if (character >= AdvanceTable::sCharacterEnd) {
-            return false;
-        }
-        Slot slot = mSlots[character];
-        if (slot.mTable >= sNoTable) [[unlikely]] {
-            slot = slot.mTable == sUnknownTable ? findSlot(character) : slot;
-            if (slot.mTable == sNoTable) {
-                return false;
-            }
-        }
-        if (slot.mTable == last.mTable) [[likely]] {
-            const int kerning = table->getKerning(last.mIndex, slot.mIndex);
+        const Character& character = getCharacter(latin, code);
+        if (character.mTable == table && last != nullptr) [[likely]] {
+            const int kerning = table->getKerning(*last, character);
             if (kerning == AdvanceTable::sNotAdditive) {
                 return false;
             }
             pen += kerning;
         } else {
-            if (table != nullptr) {
-                addPiece(*mTables[last.mTable].mFont, pen, ink, extent);
+            if (character.mTable == nullptr) {
+                return false;
             }
-            table = mTables[slot.mTable].mTable;
+            if (last != nullptr) {
+                addPiece(table->getFont(), pen, ink, extent);
+            }
+            table = character.mTable;
             ink = {};
             pen = 0;
         }
-        const AdvanceTable::Glyph& glyph = table->getGlyph(slot.mIndex);
-        ink.addBox(glyph.mInk.makeMoved(static_cast<double>(pen), 0.0));
-        pen += glyph.mAdvance;
-        last = slot;
+        ink.addBox(character.mInk.makeMoved(static_cast<double>(pen), 0.0));
+        pen += character.mAdvance;
+        last = &character;
     }
-    if (table != nullptr) {
-        addPiece(*mTables[last.mTable].mFont, pen, ink, extent);
+    if (last != nullptr) {
+        addPiece(table->getFont(), pen, ink, extent);
     }
     return true;
 }
 
-void StyleFonts::addPiece(const Font& font, std::int64_t advance, InkBox ink, RunExtent& extent) const {
+bool StyleFonts::placeSimple(std::u32string_view text, hb_script_t script, ShapedRun& run) {
+    ScriptCharacters* characters = findScript(script);
+    if (characters == nullptr) {
+        return false;
+    }
+    run.mAdvance = 0;
+    run.mInk = {};
+    run.mGlyphs.clear();
+    const Character* last = nullptr;
+    for (const char32_t code : text) {
+        const Character& character = getCharacter(*characters, code);
+        if (character.mTable == nullptr) {
+            return false;
+        }
+        const int kerning = last != nullptr ? character.mTable->getKerning(*last, character) : 0;
+        if (kerning == AdvanceTable::sNotAdditive) {
+            return false;
+        }
+        run.mAdvance += kerning;
+        run.mInk.addBox(character.mInk.makeMoved(static_cast<double>(run.mAdvance), 0.0));
+        run.mGlyphs.push_back({character.mGlyph, run.mAdvance, 0});
+        run.mAdvance += character.mAdvance;
+        last = &character;
+    }
+    return true;
+}
+
+void StyleFonts::addPiece(const Font& font, std::int64_t advance, const InkBox& ink, RunExtent& extent) const {
     const double unitsPerEm = font.getUnitsPerEm();
     if (!ink.isEmpty()) {
         const double bottom = ink.mBottom / unitsPerEm;
@@ -93,29 +129,41 @@ void StyleFonts::addPiece(const Font& font, std::int64_t advance, InkBox ink, Ru
     extent.mAdvance += static_cast<double>(advance) / unitsPerEm;
 }
 
-StyleFonts::Slot StyleFonts::findSlot(char32_t character) {
-    Slot& slot = mSlots[character];
-    slot.mTable = sNoTable;
-    const Font* font = AdvanceTable::isCandidate(character) ? findFont({&character, 1}) : nullptr;
-    if (font == nullptr) {
-        return slot;
+/// Meets a character for the first time.
+const StyleFonts::Character& StyleFonts::findCharacter(ScriptCharacters& characters, char32_t code) {
+    const Page*& page = characters.mPages[code / sPageSize];
+    if (page == &sUnknownPage) {
+        if (mPages.size() == sMaxPageCount) {
+            return sNotSimple;
+        }
+        page = mPages.emplace_back(std::make_unique<Page>()).get();
     }
-    if (const auto index = font->getAdvanceTable().findIndex(character)) {
-        slot = {findTable(*font), *index};
-    }
-    return slot;
+    const Font* font = SimpleGlyphRules::isCandidate(code, characters.mScript) ? findFont({&code, 1}) : nullptr;
+    const Character* found = font != nullptr ? findTable(characters, *font).find(code) : nullptr;
+    // All pages but the one of unknown characters are this object's own.
+    const Character*& slot = (*const_cast<Page*>(page))[code % sPageSize];
+    slot = found != nullptr ? found : &sNotSimple;
+    return *slot;
 }
 
-std::uint8_t StyleFonts::findTable(const Font& font) {
-    const auto known = std::ranges::find(mTables, &font, &TableUse::mFont);
-    const auto position = known - mTables.begin();
-    if (known == mTables.end()) {
-        if (mTables.size() == sNoTable) {
-            return sNoTable;
-        }
-        mTables.push_back({&font, &font.getAdvanceTable()});
+StyleFonts::ScriptCharacters* StyleFonts::findScript(hb_script_t script) {
+    const auto known = std::ranges::find(mScripts, script, &ScriptCharacters::mScript);
+    if (known != mScripts.end()) {
+        return known->get();
     }
-    return static_cast<std::uint8_t>(position);
+    if (!SimpleGlyphRules::isSimpleScript(script)) {
+        return nullptr;
+    }
+    return mScripts.emplace_back(std::make_unique<ScriptCharacters>(script)).get();
+}
+
+AdvanceTable& StyleFonts::findTable(ScriptCharacters& characters, const Font& font) {
+    for (AdvanceTable& table : characters.mTables) {
+        if (&table.getFont() == &font) {
+            return table;
+        }
+    }
+    return characters.mTables.emplace_back(font, characters.mScript);
 }
 
 }  // namespace kt::text

@@ -7,12 +7,16 @@
 #include "platform/annotation/FontStack_p.h"
 #include "platform/svg/GlyphSource.h"
 
+#include <array>
+#include <deque>
 #include <memory>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
 namespace kt::text {
+
+struct ShapedRun;
 
 /// Extent of a run in ems, y up.
 struct RunExtent {
@@ -31,6 +35,9 @@ struct RunExtent {
 class StyleFonts {
 public:
     explicit StyleFonts(std::shared_ptr<const FontStack> fonts);
+    StyleFonts(const StyleFonts&) = delete;
+    StyleFonts& operator=(const StyleFonts&) = delete;
+    ~StyleFonts();
 
     const std::shared_ptr<const FontStack>& getStack() const { return mStack; }
     /// The style's own font; null when the system has none.
@@ -40,35 +47,47 @@ public:
     /// Outlines of texts that measureSimple has measured.
     const std::shared_ptr<const svg::GlyphSource>& getSimpleGlyphs() const { return mSimpleGlyphs; }
 
-    /// Measures a text from tables, exactly as shaping would; false when the text is not valid or not simple enough.
+    /// Measures a text of Latin script and symbols from tables, exactly as shaping would; false when the text is not
+    /// valid or not simple enough.
     bool measureSimple(std::string_view text, RunExtent& extent);
+    /// Does the same as shaping to a text from left to right that is all of one font and script; false when the text is
+    /// not simple enough.
+    bool placeSimple(std::u32string_view text, hb_script_t script, ShapedRun& run);
 
     /// Adds a piece in one font to an extent.
-    void addPiece(const Font& font, std::int64_t advance, InkBox ink, RunExtent& extent) const;
+    void addPiece(const Font& font, std::int64_t advance, const InkBox& ink, RunExtent& extent) const;
 
 private:
-    /// Where a character stands in the tables of the style's fonts.
-    struct Slot {
-        std::uint8_t mTable = sUnknownTable;
-        AdvanceTable::Index mIndex = 0;
-    };
-    static constexpr std::uint8_t sUnknownTable = 0xFF;
-    static constexpr std::uint8_t sNoTable = 0xFE;
+    using Character = AdvanceTable::Character;
+    using Page = std::array<const Character*, 256>;
 
-    struct TableUse {
-        const Font* mFont;
-        const AdvanceTable* mTable;
+    /// The simple characters met in text of one script.
+    struct ScriptCharacters {
+        explicit ScriptCharacters(hb_script_t script);
+
+        hb_script_t mScript;
+        std::vector<const Page*> mPages;  ///< by character; null: not met yet
+        std::deque<AdvanceTable> mTables;
     };
 
-    Slot findSlot(char32_t character);
-    std::uint8_t findTable(const Font& font);
+    const Character& getCharacter(ScriptCharacters& characters, char32_t code) {
+        const Character* known = (*characters.mPages[code / sPageSize])[code % sPageSize];
+        return known != nullptr ? *known : findCharacter(characters, code);
+    }
+    const Character& findCharacter(ScriptCharacters& characters, char32_t code);
+    ScriptCharacters* findScript(hb_script_t script);
+    AdvanceTable& findTable(ScriptCharacters& characters, const Font& font);
+
+    static constexpr std::size_t sPageSize = std::tuple_size_v<Page>;
+    static const Page sUnknownPage;
+    static const Character sNotSimple;
 
     std::shared_ptr<const FontStack> mStack;
     const Font* mMainFont;
     std::shared_ptr<const svg::GlyphSource> mSimpleGlyphs;
     std::unordered_map<char32_t, const Font*> mFontOfCharacter;
-    std::vector<TableUse> mTables;
-    std::vector<Slot> mSlots;  ///< by character
+    std::vector<std::unique_ptr<ScriptCharacters>> mScripts;  ///< Latin first
+    std::vector<std::unique_ptr<Page>> mPages;
 };
 
 }  // namespace kt::text

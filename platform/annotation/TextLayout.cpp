@@ -184,7 +184,9 @@ void TextLayout::shapePieces(StyleFonts& fonts, std::size_t start, std::size_t l
 
     std::vector<PlacedGlyphs::Glyph> glyphs;
     for (const RunRequest& piece : pieces) {
-        const ShapedRun& shaped = mShaper.shape(piece);
+        const std::u32string_view text = line.substr(piece.mStart, piece.mLength);
+        const bool isSimple = !isRightToLeft && fonts.placeSimple(text, piece.mScript, mSimpleRun);
+        const ShapedRun& shaped = isSimple ? mSimpleRun : mShaper.shape(piece);
         const double unitsPerEm = piece.mFont->getUnitsPerEm();
         for (const ShapedGlyph& glyph : shaped.mGlyphs) {
             const double x = run.mExtent.mAdvance + static_cast<double>(glyph.mX) / unitsPerEm;

@@ -96,6 +96,7 @@ private:
     std::u32string mCharacters;
     LineLevels mLevels;
     std::vector<hb_script_t> mScripts;
+    ShapedRun mSimpleRun;
     std::vector<std::size_t> mOrder;
 };
 

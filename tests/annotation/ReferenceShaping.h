@@ -7,8 +7,11 @@
 #include <hb.h>
 
 #include <cstdint>
+#include <map>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace kt::test {
@@ -23,21 +26,14 @@ public:
         FcDefaultSubstitute(request);
         FcResult result = FcResultNoMatch;
         FcPattern* match = FcFontMatch(nullptr, request, &result);
-        FcChar8* path = nullptr;
         FcChar8* family = nullptr;
-        int index = 0;
-        FcPatternGetString(match, FC_FILE, 0, &path);
         FcPatternGetString(match, FC_FAMILY, 0, &family);
-        FcPatternGetInteger(match, FC_INDEX, 0, &index);
         mIsInstalled = pattern.substr(0, pattern.find(':')) == reinterpret_cast<const char*>(family);
-        hb_blob_t* blob = hb_blob_create_from_file(reinterpret_cast<const char*>(path));
-        hb_face_t* face = hb_face_create(blob, static_cast<unsigned>(index) & 0xFFFFU);
+        open(match);
         FcPatternDestroy(match);
         FcPatternDestroy(request);
-        mFont = hb_font_create(face);
-        hb_face_destroy(face);
-        hb_blob_destroy(blob);
     }
+    explicit ReferenceFont(const FcPattern* installed) : mIsInstalled(true) { open(installed); }
     ReferenceFont(const ReferenceFont&) = delete;
     ReferenceFont& operator=(const ReferenceFont&) = delete;
     ~ReferenceFont() { hb_font_destroy(mFont); }
@@ -53,8 +49,66 @@ public:
     }
 
 private:
+    void open(const FcPattern* match) {
+        FcChar8* path = nullptr;
+        int index = 0;
+        FcPatternGetString(match, FC_FILE, 0, &path);
+        FcPatternGetInteger(match, FC_INDEX, 0, &index);
+        hb_blob_t* blob = hb_blob_create_from_file(reinterpret_cast<const char*>(path));
+        hb_face_t* face = hb_face_create(blob, static_cast<unsigned>(index) & 0xFFFFU);
+        mFont = hb_font_create(face);
+        hb_face_destroy(face);
+        hb_blob_destroy(blob);
+    }
+
     bool mIsInstalled = false;
     hb_font_t* mFont = nullptr;
+};
+
+/// The fonts that show the characters of a family, in the system's order.
+class ReferenceFonts {
+public:
+    explicit ReferenceFonts(const std::string& family) {
+        FcPattern* request = FcNameParse(reinterpret_cast<const FcChar8*>(family.c_str()));
+        FcPatternAddBool(request, FC_OUTLINE, FcTrue);
+        FcPatternAddString(request, FC_LANG, reinterpret_cast<const FcChar8*>("en"));
+        FcPatternAddInteger(request, FC_WEIGHT, FC_WEIGHT_REGULAR);
+        FcPatternAddInteger(request, FC_SLANT, FC_SLANT_ROMAN);
+        FcConfigSubstitute(nullptr, request, FcMatchPattern);
+        FcDefaultSubstitute(request);
+        FcResult result = FcResultNoMatch;
+        mFonts = FcFontSort(nullptr, request, FcTrue, nullptr, &result);
+        FcPatternDestroy(request);
+    }
+    ReferenceFonts(const ReferenceFonts&) = delete;
+    ReferenceFonts& operator=(const ReferenceFonts&) = delete;
+    ~ReferenceFonts() { FcFontSetDestroy(mFonts); }
+
+    /// Null when none has the character.
+    const ReferenceFont* find(char32_t character) {
+        for (int index = 0; index < mFonts->nfont; ++index) {
+            FcPattern* pattern = mFonts->fonts[index];
+            FcCharSet* characters = nullptr;
+            FcBool isColored = FcFalse;
+            FcBool isVariable = FcFalse;
+            FcPatternGetBool(pattern, FC_COLOR, 0, &isColored);
+            FcPatternGetBool(pattern, FC_VARIABLE, 0, &isVariable);
+            FcPatternGetCharSet(pattern, FC_CHARSET, 0, &characters);
+            if (isColored == FcFalse && isVariable == FcFalse && FcCharSetHasChar(characters, character) != FcFalse) {
+                std::unique_ptr<ReferenceFont>& font = mOpenFonts[index];
+                font = font != nullptr ? std::move(font) : std::make_unique<ReferenceFont>(pattern);
+                return font.get();
+            }
+        }
+        return nullptr;
+    }
+
+    /// Filled by the test: which outlines a font's glyphs have been seen to have.
+    std::map<std::pair<const ReferenceFont*, std::uint32_t>, const void*> mOutlines;
+
+private:
+    FcFontSet* mFonts;
+    std::map<int, std::unique_ptr<ReferenceFont>> mOpenFonts;
 };
 
 struct ReferenceGlyph {
@@ -69,10 +123,12 @@ struct ReferenceRun {
     std::int64_t mAdvance = 0;
 };
 
-/// Shapes a text of one script and direction, both found by HarfBuzz.
-inline ReferenceRun shapeReference(const ReferenceFont& font, std::string_view text) {
+/// Shapes a text of one direction, found by HarfBuzz, and of one script, found by HarfBuzz, too, when none is given.
+inline ReferenceRun shapeReference(const ReferenceFont& font, std::string_view text,
+                                   hb_script_t script = HB_SCRIPT_INVALID) {
     hb_buffer_t* buffer = hb_buffer_create();
     hb_buffer_add_utf8(buffer, text.data(), static_cast<int>(text.size()), 0, static_cast<int>(text.size()));
+    hb_buffer_set_script(buffer, script);
     hb_buffer_guess_segment_properties(buffer);
     hb_buffer_set_language(buffer, HB_LANGUAGE_INVALID);
     hb_shape(font.getFont(), buffer, nullptr, 0);

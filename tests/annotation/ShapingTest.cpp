@@ -1,3 +1,4 @@
+#include "platform/encoding/Utf8.h"
 #include "tests/annotation/LaidOutText.h"
 
 #include <gmock/gmock.h>
@@ -38,6 +39,102 @@ TEST(SimpleTextTest, ShowsEveryByte) {
 }
 
 class WidthTest : public testing::TestWithParam<const char*> {};
+
+/// A character with its script: those that many scripts share have that of the text before them.
+struct Letter {
+    char32_t mCode;
+    hb_script_t mScript;
+};
+
+std::vector<Letter> makeAlphabet() {
+    const struct {
+        hb_script_t mScript;
+        std::u32string_view mLetters;
+    } rows[] = {
+        {HB_SCRIPT_LATIN, U"AVTYaefijlorvwyWP\u00C4\u00DF\u00E9\u0142\u1E9E"},
+        {HB_SCRIPT_GREEK, U"\u03A9\u03B1\u03B2\u03BC\u03A4\u0391"},
+        {HB_SCRIPT_CYRILLIC, U"\u0414\u0438\u0430\u043C\u0413\u0422"},
+        {HB_SCRIPT_HAN, U"\u76F4\u5F84\u8868"},
+        {HB_SCRIPT_HIRAGANA, U"\u306D\u3058\u3041"},
+        {HB_SCRIPT_KATAKANA, U"\u30CD\u30B8\u30D4"},
+        {HB_SCRIPT_HANGUL, U"\uC9C0\uB984\uAC01"},
+        {HB_SCRIPT_COMMON,
+         U"  0123456789.,-+/()\"'\u2300\u00B1\u00B0\u00D7\u21A7\u25B1\u221F\u2295\u2220\u23E5"
+         U"\u24C2\u2264\u2044\u30FC\u300C\uFF08\U0001D4B3"},
+    };
+    std::vector<Letter> alphabet;
+    for (const auto& row : rows) {
+        for (const char32_t code : row.mLetters) {
+            // Half of the characters are shared ones, as in drawings.
+            for (std::size_t count = row.mScript == HB_SCRIPT_COMMON ? 1 : 2; count > 0; --count) {
+                alphabet.push_back({code, row.mScript});
+            }
+        }
+    }
+    return alphabet;
+}
+
+/// The text's pieces of one font and script, shaped one by one.
+void expectPiecesShaped(const LaidOutText& block, const std::vector<Letter>& letters, test::ReferenceFonts& fonts) {
+    const double size = double{block.mTexts.at(0)->getSize()};
+    const auto decided =
+        std::ranges::find_if(letters, [](const Letter& letter) { return letter.mScript != HB_SCRIPT_COMMON; });
+    hb_script_t script = decided != letters.end() ? decided->mScript : HB_SCRIPT_LATIN;
+    double pen = 0.0;
+    auto glyph = block.mGlyphs.begin();
+    for (auto letter = letters.begin(); letter != letters.end();) {
+        const ReferenceFont* font = fonts.find(letter->mCode);
+        const auto getScript = [&](const Letter& next) {
+            return next.mScript != HB_SCRIPT_COMMON ? next.mScript : script;
+        };
+        script = getScript(*letter);
+        std::string piece;
+        for (; letter != letters.end() && fonts.find(letter->mCode) == font && getScript(*letter) == script; ++letter) {
+            encoding::appendUtf8(letter->mCode, piece);
+        }
+        const test::ReferenceRun run = shapeReference(*font, piece, script);
+        const double scale = size / font->getUnitsPerEm();
+        for (const test::ReferenceGlyph& expected : run.mGlyphs) {
+            if (font->isBlank(expected.mGlyph)) {
+                continue;
+            }
+            ASSERT_NE(glyph, block.mGlyphs.end());
+            ASSERT_NEAR(glyph->mPosition.x, pen + static_cast<double>(expected.mX) * scale, 2e-4);
+            ASSERT_NEAR(glyph->mPosition.y, static_cast<double>(-expected.mY) * scale, 1e-4);
+            ASSERT_FLOAT_EQ(glyph->mScale, static_cast<float>(scale));
+            const auto [known, isNew] = fonts.mOutlines.try_emplace({font, expected.mGlyph}, glyph->mOutline);
+            ASSERT_EQ(known->second, glyph->mOutline) << "glyph " << expected.mGlyph;
+            ++glyph;
+        }
+        pen += static_cast<double>(run.mAdvance) * scale;
+    }
+    EXPECT_EQ(glyph, block.mGlyphs.end());
+    EXPECT_NEAR(block.mTexts[0]->getLength(), pen, 2e-4);
+}
+
+TEST_P(WidthTest, EqualsShapingPieceByPiece) {
+    const std::vector<Letter> alphabet = makeAlphabet();
+    test::ReferenceFonts fonts(GetParam());
+    const text::TextSegmentToSvgConverter converter;
+    std::mt19937 random(7);
+    for (int count = 0; count < 20'000; ++count) {
+        std::vector<Letter> letters;
+        std::string text;
+        // Texts of one or two scripts, and of all.
+        const std::size_t window = count % 3 == 0 ? alphabet.size() : 30;
+        const std::size_t start = random() % (alphabet.size() - window + 1);
+        for (std::size_t length = 1 + random() % 10; length > 0; --length) {
+            const bool isShared = random() % 4 == 0;
+            letters.push_back(isShared ? alphabet[alphabet.size() - 1 - random() % 40]
+                                       : alphabet[start + random() % window]);
+            encoding::appendUtf8(letters.back().mCode, text);
+        }
+        const LaidOutText block(test::makeLine(makeProperties(GetParam(), 3.175F), {text}), converter);
+        ASSERT_EQ(block.mTexts.size(), 1U);
+        expectPiecesShaped(block, letters, fonts);
+        ASSERT_FALSE(HasFailure()) << text;
+    }
+}
 
 TEST_P(WidthTest, EqualsShaping) {
     static constexpr std::string_view sPieces[] = {"A",  "V",    "T", "fi",     "ffl", "f", "j",       "W.",
