@@ -32,6 +32,8 @@ kt::ktCadViewSvgWriter::Options getWriterOptions(const MigrationOptions& options
     kt::ktCadViewSvgWriter::Options writerOptions;
     using TextMode = kt::svg::SvgWriter::TextMode;
     writerOptions.mTextMode = options.mHasTextOutlines ? TextMode::Outlines : TextMode::Text;
+    writerOptions.mDrawsPictureBackgrounds = options.mDrawsPictureBackgrounds;
+    writerOptions.mBackground = options.mBackground;
     return writerOptions;
 }
 

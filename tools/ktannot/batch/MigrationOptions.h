@@ -35,7 +35,9 @@ struct MigrationOptions {
     std::size_t mView = 0;   ///< number of the only view that is wanted of each document; 0: all are
     bool mIsDryRun = false;  ///< do everything but write results
     bool mHasTextOutlines = false;
-    const InputSet* mInputs = nullptr;  ///< the files that are never written to; null when there are none
+    bool mDrawsPictureBackgrounds = false;  ///< whether the black that the model has beneath pictures is drawn
+    std::string mBackground;                ///< colour of the page; empty: none
+    const InputSet* mInputs = nullptr;      ///< the files that are never written to; null when there are none
 };
 
 }  // namespace ktannot

@@ -1,5 +1,6 @@
 #include "tools/ktannot/commands/MigrateCommand.h"
 
+#include "platform/svg/SvgWriter.h"
 #include "tools/ktannot/EnvironmentError.h"
 #include "tools/ktannot/UsageError.h"
 #include "tools/ktannot/batch/DocumentMigrator.h"
@@ -148,6 +149,12 @@ void MigrateCommand::declareOptions(CLI::App& app) {
     app.add_option("--text", mTextModeName, "text: searchable text; outlines: paths, the same with any font")
         ->check(CLI::IsMember({"text", "outlines"}))
         ->capture_default_str();
+    app.add_option("--background", mOptions.mBackground, "Colour of the page: a word, #RGB or #RRGGBB; without it none")
+        ->type_name("COLOR");
+    app.add_option("--picture-background", mPictureBackgroundName,
+                   "What is drawn beneath pictures: none, so that line art is seen, or black, as the model has it")
+        ->check(CLI::IsMember({"none", "black"}))
+        ->capture_default_str();
     app.add_option("-j,--jobs", mJobs, "Documents worked on at the same time; without it one per core")
         ->type_name("N")
         ->check(CLI::Range(1, 1024));
@@ -184,6 +191,11 @@ void MigrateCommand::checkOptions() {
     }
     mOptions.mFormat = mFormatName == "json" ? MigrationOptions::Format::Json : MigrationOptions::Format::Svg;
     mOptions.mHasTextOutlines = mTextModeName == "outlines";
+    mOptions.mDrawsPictureBackgrounds = mPictureBackgroundName == "black";
+    if (!mOptions.mBackground.empty() && !kt::svg::SvgWriter::isColor(mOptions.mBackground)) {
+        throw UsageError("--background takes a colour such as white or #F8F8F0, not '" +
+                         makeTerminalText(mOptions.mBackground) + "'");
+    }
     if (mIsForced) {
         mOptions.mExisting = MigrationOptions::Existing::Replace;
     } else if (mIsSkipping) {

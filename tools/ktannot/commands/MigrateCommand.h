@@ -43,6 +43,7 @@ private:
     std::string mFormatName = "svg";
     std::string mAcceptedWords;
     std::string mTextModeName = "text";
+    std::string mPictureBackgroundName = "none";
     std::optional<std::string> mReportPath;
     std::optional<std::string> mLogPath;
     double mHeadSize = 3.0;

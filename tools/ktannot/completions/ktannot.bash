@@ -14,18 +14,20 @@ _ktannot() {
     case $previous in
         --format) words='svg json' ;;
         --text) words='text outlines' ;;
+        --picture-background) words='none black' ;;
         --accept) words='view-metadata known-metadata other-metadata all' ;;
         --color) words='auto always never' ;;
         -o | --output | --raster-dir | --base)
             mapfile -t COMPREPLY < <(compgen -d -- "$word")
             return
             ;;
-        --head-size | -j | --jobs | --memory-limit | --shard | --view) return ;;
+        --background | --head-size | -j | --jobs | --memory-limit | --shard | --view) return ;;
         *)
             case $command in
                 '') words='migrate inspect check version -h --help --version' ;;
                 migrate)
                     words='-h --help -o --output --format --accept --head-size --raster-dir --text -j --jobs --report
+                        --background --picture-background
                         --force --skip-existing --memory-limit -q --quiet -v --verbose --log-file
                         --files-from -0 --base --shard --view --dry-run'
                     ;;

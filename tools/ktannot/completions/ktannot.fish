@@ -23,6 +23,8 @@ complete -c ktannot -n $migrate -l accept -x -a 'view-metadata known-metadata ot
 complete -c ktannot -n $migrate -l head-size -x -d 'Size of leader heads in millimetres'
 complete -c ktannot -n $migrate -l raster-dir -x -a '(__fish_complete_directories)' -d 'Where pictures are looked up'
 complete -c ktannot -n $migrate -l text -x -a 'text outlines' -d 'How text is drawn'
+complete -c ktannot -n $migrate -l background -x -a 'white' -d 'Colour of the page'
+complete -c ktannot -n $migrate -l picture-background -x -a 'none black' -d 'What is drawn beneath pictures'
 complete -c ktannot -n $migrate -s j -l jobs -x -d 'Documents worked on at the same time'
 complete -c ktannot -n $migrate -l report -r -d 'Write a report for programs'
 complete -c ktannot -n $migrate -l force -d 'Replace drawings that are there already'
