@@ -61,14 +61,14 @@ bool DocumentMigrator::provideRaster(const std::string& rasterName, std::string&
     return PictureFolder::provide(rasterName, rasterData, static_cast<DocumentMigrator*>(userData)->mPictures);
 }
 
-DocumentResult DocumentMigrator::migrate(const Input& input) {
+DocumentResult DocumentMigrator::migrate(const Input& input, const ViewListener& onView) {
     DocumentResult result(LegacyDocument::load(input, mOptions.mMemoryLimit));
     result.mOutcome = result.mDocument.getOutcome();
     if (result.mDocument.isLoaded()) {
         PictureFolder pictures(getPictureFolders(mOptions, input));
         mPictures = &pictures;
         mLog.clear();
-        migrateViews(input, result);
+        migrateViews(input, result, onView);
         mPictures = nullptr;
     } else if (isDump() && mOptions.isToStandardOutput() &&
                result.mDocument.getState() != LegacyDocument::State::Skipped) {
@@ -95,7 +95,7 @@ std::string DocumentMigrator::findWrongView(std::size_t count) const {
     return {};
 }
 
-void DocumentMigrator::migrateViews(const Input& input, DocumentResult& result) {
+void DocumentMigrator::migrateViews(const Input& input, DocumentResult& result, const ViewListener& onView) {
     result.mReason = findWrongView(result.mDocument.getViews().size());
     if (!result.mReason.empty()) {
         result.mOutcome = mOptions.mView == 0 ? ExitCode::WrongUsage : worst(result.mOutcome, ExitCode::Refused);
@@ -129,6 +129,9 @@ void DocumentMigrator::migrateViews(const Input& input, DocumentResult& result) 
         CadView view = migrateView(result.mDocument, result.mDocument.getViews()[index], viewResult);
         result.mDocument.releaseView(index);
         finishView(std::move(view), viewResult, result, dumped);
+        if (onView && !isDump()) {
+            onView(index + 1, viewResult);
+        }
     }
     if (!isDump() || isKept || mOptions.mIsDryRun) {
         return;

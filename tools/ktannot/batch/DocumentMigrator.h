@@ -9,6 +9,8 @@
 #include "tools/ktannot/files/PictureFolder.h"
 #include "tools/ktannot/report/DocumentResult.h"
 
+#include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -18,6 +20,9 @@ namespace ktannot {
 /// one migrator and uses it for many documents.
 class DocumentMigrator {
 public:
+    /// Hears of each view that is done, with its number from 1.
+    using ViewListener = std::function<void(std::size_t number, const ViewResult& view)>;
+
     /// @param options  must outlive the migrator.
     explicit DocumentMigrator(const MigrationOptions& options);
     DocumentMigrator(const DocumentMigrator&) = delete;
@@ -26,7 +31,8 @@ public:
 
     /// Reads a document, migrates its views and writes them. A view that fails does not stop the others; a request to
     /// stop ends the work between two views.
-    DocumentResult migrate(const Input& input);
+    /// @param onView  called after each view.
+    DocumentResult migrate(const Input& input, const ViewListener& onView = {});
 
 private:
     using CadView = kt::ktPointer<kt::ktCadAnnotationView>;
@@ -39,7 +45,7 @@ private:
 
     /// Why a document of that many views has none to make; empty when all is well.
     std::string findWrongView(std::size_t count) const;
-    void migrateViews(const Input& input, DocumentResult& result);
+    void migrateViews(const Input& input, DocumentResult& result, const ViewListener& onView);
     /// Lists the views with the files that they will be drawn to; true when one of the files is there already.
     bool planFiles(const Input& input, DocumentResult& result) const;
     /// Writes what became of a view, or keeps it for the dump.

@@ -24,10 +24,15 @@ struct MigrationOptions {
     std::string getPlace(const std::string& documentName) const {
         return (mOutput.ends_with('/') ? mOutput : mOutput + '/') + documentName;
     }
+    /// The folder that the results of a document go to.
+    std::string getFolder(const std::string& documentName) const {
+        const std::string place = getPlace(documentName);
+        return isDump() ? place.substr(0, place.rfind('/')) : place;
+    }
 
     std::string mOutput = "migrated";           ///< folder, or "-" for standard output
     std::optional<std::string> mRasterFolder;   ///< nothing: the document's folder and its folder "images"
-    std::optional<std::uint64_t> mMemoryLimit;  ///< bytes that reading one document may take
+    std::optional<std::uint64_t> mMemoryLimit;  ///< bytes that one document may take
     float mHeadSize = 3.0F;                     ///< of leader heads, in millimetres
     int mAcceptedMetadata = 0;                  ///< flags of the migration
     Format mFormat = Format::Svg;

@@ -13,7 +13,7 @@ namespace ktannot {
 
 /// Looks at the places that options name, before any work: nothing that is an input of the run is ever written to, and
 /// nothing of somebody else's unasked. Throws UsageError for what another command line would put right and
-/// EnvironmentError for what the channels do not allow.
+/// EnvironmentError for what the surroundings do not allow.
 class OutputCheck {
 public:
     /// @param inputs    all of the run; must outlive this.

@@ -28,6 +28,8 @@ StopSignal::~StopSignal() {
     sigaction(SIGTERM, &mReplacedTermination, nullptr);
 }
 
+void StopSignal::request(int signal) { sPending.store(signal); }
+
 int StopSignal::getPending() { return sPending.load(); }
 
 }  // namespace ktannot

@@ -18,6 +18,8 @@ public:
 
     /// The signal that asked for an end, 0 when none did. Safe to call from any thread.
     static int getPending();
+    /// Asks for an end as a signal would.
+    static void request(int signal);
 
 private:
     struct sigaction mReplacedInterrupt {};

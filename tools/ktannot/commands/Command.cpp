@@ -42,16 +42,17 @@ void Command::declareColor(CLI::App& app, ColorMode& mode) {
         ->type_name("WHEN");
 }
 
-void Command::declareMemoryLimit(CLI::App& app, std::optional<std::uint64_t>& limit) {
-    app.add_option_function<std::string>(
-           "--memory-limit",
-           [&limit](const std::string& text) {
-               limit = parseSize(text);
-               if (!limit) {
-                   throw UsageError("--memory-limit takes a number of bytes, or one with K, M or G behind it");
-               }
-           },
-           "Memory that reading one document may take, for example 500M or 2G")
+CLI::Option* Command::declareMemoryLimit(CLI::App& app, std::optional<std::uint64_t>& limit) {
+    return app
+        .add_option_function<std::string>(
+            "--memory-limit",
+            [&limit](const std::string& text) {
+                limit = parseSize(text);
+                if (!limit) {
+                    throw UsageError("--memory-limit takes a number of bytes, or one with K, M or G behind it");
+                }
+            },
+            "Memory that one document may take, for example 500M or 2G")
         ->type_name("SIZE");
 }
 

@@ -14,7 +14,8 @@
 
 namespace CLI {
 class App;
-}
+class Option;
+}  // namespace CLI
 
 namespace ktannot {
 
@@ -44,13 +45,14 @@ public:
     /// the console are flushed by the caller.
     virtual ExitCode run(Channels& channels) = 0;
 
+    /// The option --memory-limit, in bytes; limit stays as it is without the option.
+    static CLI::Option* declareMemoryLimit(CLI::App& app, std::optional<std::uint64_t>& limit);
+
 protected:
     /// The arguments INPUT..., at least one.
     static void declareInputs(CLI::App& app, std::vector<std::string>& inputs);
     /// The option --color.
     static void declareColor(CLI::App& app, ColorMode& mode);
-    /// The option --memory-limit, in bytes; limit stays as it is without the option.
-    static void declareMemoryLimit(CLI::App& app, std::optional<std::uint64_t>& limit);
     /// The part of the details that is the same for all commands.
     static std::string getExitCodeText();
 };

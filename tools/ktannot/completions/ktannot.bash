@@ -16,12 +16,14 @@ _ktannot() {
         --text) words='text outlines' ;;
         --picture-background) words='none black' ;;
         --accept) words='view-metadata known-metadata other-metadata all' ;;
+        --progress) words='auto none plain json' ;;
+        --isolate) words='auto off' ;;
         --color) words='auto always never' ;;
         -o | --output | --raster-dir | --base)
             mapfile -t COMPREPLY < <(compgen -d -- "$word")
             return
             ;;
-        --background | --head-size | -j | --jobs | --memory-limit | --shard | --view) return ;;
+        --background | --head-size | -j | --jobs | --memory-limit | --shard | --view | --time-limit) return ;;
         *)
             case $command in
                 '') words='migrate inspect check version -h --help --version' ;;
@@ -29,7 +31,8 @@ _ktannot() {
                     words='-h --help -o --output --format --accept --head-size --raster-dir --text -j --jobs --report
                         --background --picture-background
                         --force --skip-existing --memory-limit -q --quiet -v --verbose --log-file
-                        --files-from -0 --base --shard --view --dry-run'
+                        --files-from -0 --base --shard --view --dry-run
+                        --progress --time-limit --isolate'
                     ;;
                 inspect) words='-h --help --json --memory-limit --color' ;;
                 check) words='-h --help --json --memory-limit' ;;

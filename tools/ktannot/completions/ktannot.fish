@@ -31,6 +31,9 @@ complete -c ktannot -n $migrate -l force -d 'Replace drawings that are there alr
 complete -c ktannot -n $migrate -l skip-existing -d 'Keep drawings that are there already'
 complete -c ktannot -n $migrate -s q -l quiet -d 'Tell only what went wrong'
 complete -c ktannot -n $migrate -s v -l verbose -d 'Name every drawing'
+complete -c ktannot -n $migrate -l progress -x -a 'auto none plain json' -d 'How progress is told'
+complete -c ktannot -n $migrate -l time-limit -x -d 'Seconds that one document may take'
+complete -c ktannot -n $migrate -l isolate -x -a 'auto off' -d 'Work in processes'
 complete -c ktannot -n $migrate -l log-file -r -d 'Append the log to a file'
 
 complete -c ktannot -n '__fish_seen_subcommand_from migrate inspect check' -l memory-limit -x \

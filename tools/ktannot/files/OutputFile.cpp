@@ -4,11 +4,17 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <atomic>
 #include <cerrno>
+#include <charconv>
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
+#include <functional>
+#include <mutex>
 #include <system_error>
+#include <unordered_set>
 #include <utility>
 
 namespace ktannot {
@@ -17,6 +23,50 @@ namespace {
 
 std::string describe(const char* what, int error) {
     return std::string(what) + ": " + std::generic_category().message(error);
+}
+
+/// What the names of temporary files begin with: the computer and its group of processes, whose numbers tell which
+/// files nobody works on any more. Several computers may write into one folder.
+const std::string& getPrefix() {
+    static const std::string sPrefix = [] {
+        std::array<char, 256> name{};
+        gethostname(name.data(), name.size() - 1);
+        struct stat processes {};
+        stat("/proc/self/ns/pid", &processes);
+        const std::size_t place = std::hash<std::string>()(name.data()) ^ processes.st_ino;
+        return ".ktannot-" + std::to_string(place % 1'000'000'007) + "-";
+    }();
+    return sPrefix;
+}
+
+/// Removes this computer's temporary files of the processes chosen.
+void removeTemporaries(const std::string& folder, const std::function<bool(int process)>& isChosen) {
+    std::error_code error;
+    std::filesystem::directory_iterator entry(folder.empty() ? "." : folder, error);
+    while (!error && entry != std::filesystem::directory_iterator()) {
+        const std::string name = entry->path().filename().string();
+        int process = 0;
+        if (name.starts_with(getPrefix())) {
+            std::from_chars(name.data() + getPrefix().size(), name.data() + name.size(), process);
+            if (process > 0 && isChosen(process)) {
+                unlink(entry->path().c_str());
+            }
+        }
+        entry.increment(error);
+    }
+}
+
+/// Removes what killed runs left in a folder, once.
+void clean(const std::string& folder) {
+    static std::mutex sMutex;
+    static std::unordered_set<std::size_t> sCleaned;
+    {
+        const std::lock_guard lock(sMutex);
+        if (!sCleaned.insert(std::hash<std::string>()(folder)).second) {
+            return;
+        }
+    }
+    removeTemporaries(folder, [](int process) { return kill(process, 0) != 0 && errno == ESRCH; });
 }
 
 /// Renames, but not over a file that exists. As rename(), with errno EEXIST then.
@@ -38,12 +88,13 @@ int renameToNewName(const char* from, const char* to) {
 OutputFile::OutputFile(std::string path) : mPath(std::move(path)) {
     std::error_code error;
     const std::filesystem::path folder = std::filesystem::path(mPath).parent_path();
-    if (!folder.empty()) {
-        std::filesystem::create_directories(folder, error);
-    }
+    const bool isNew = !folder.empty() && std::filesystem::create_directories(folder, error);
     if (error) {
         mFailure = "cannot create the folder: " + error.message();
         return;
+    }
+    if (!isNew) {
+        clean(folder.string());
     }
     create();
 }
@@ -56,7 +107,8 @@ OutputFile::~OutputFile() {
 
 void OutputFile::create() {
     static std::atomic<unsigned int> sCounter{0};
-    const std::string prefix = mPath.substr(0, mPath.rfind('/') + 1) + ".ktannot-" + std::to_string(getpid()) + "-";
+    const std::string folder = mPath.substr(0, mPath.rfind('/') + 1);
+    const std::string prefix = folder + getPrefix() + std::to_string(getpid()) + "-";
     // A name may be left over from a killed process that had the same number; the next one is tried then.
     do {
         mTemporaryPath = prefix + std::to_string(++sCounter);
@@ -67,6 +119,10 @@ void OutputFile::create() {
     if (!mIsOnDisk) {
         mFailure = describe("cannot create a file in the folder", errno);
     }
+}
+
+void OutputFile::removeLeftOvers(const std::string& folder, int process) {
+    removeTemporaries(folder, [process](int owner) { return owner == process; });
 }
 
 std::string OutputFile::write(std::string_view content) {

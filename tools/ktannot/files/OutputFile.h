@@ -37,6 +37,9 @@ public:
     /// Gives the file its final name. Returns the reason of a failure, empty on success.
     std::string publish(Existing existing);
 
+    /// Removes the temporary files that a process that is gone has left in a folder.
+    static void removeLeftOvers(const std::string& folder, int process);
+
 private:
     void create();
 

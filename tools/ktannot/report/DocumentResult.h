@@ -6,6 +6,7 @@
 #include "tools/ktannot/LegacyDocument.h"
 #include "tools/ktannot/report/ExitCode.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,6 +33,14 @@ struct ViewResult {
     std::vector<std::string> mWarnings;  ///< what the drawing lacks
 };
 
+/// The file that a document was read from.
+struct SourceFacts {
+    bool mIsKnown = false;    ///< false for pipes, and when nobody asked
+    std::uint64_t mSize = 0;  ///< bytes
+    double mModified = 0.0;   ///< seconds since 1970
+    std::string mSha256;      ///< of its bytes, in lower-case hexadecimal
+};
+
 /// What became of one document. The document's own findings are kept, its views are released.
 struct DocumentResult {
     explicit DocumentResult(LegacyDocument document) : mDocument(std::move(document)) {}
@@ -46,6 +55,8 @@ struct DocumentResult {
     std::string mText;    ///< for standard output
     std::string mReason;  ///< why the document as a whole was not migrated, beyond what its reading says
     ExitCode mOutcome = ExitCode::AllWell;
+    SourceFacts mFacts;
+    double mSeconds = 0.0;    ///< that it took
     bool mIsStopped = false;  ///< an end was asked for before all of its views were made
 };
 

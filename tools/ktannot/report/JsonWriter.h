@@ -34,6 +34,11 @@ public:
     void endObject() { close('}'); }
     void beginArray() { open('['); }
     void endArray() { close(']'); }
+    /// A value that is JSON already.
+    void raw(std::string_view json) {
+        separate();
+        mOutput.write(json);
+    }
     /// Ends a JSON text.
     void endLine();
 

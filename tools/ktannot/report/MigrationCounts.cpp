@@ -20,4 +20,16 @@ void MigrationCounts::add(const DocumentResult& result) {
     }
 }
 
+void MigrationCounts::add(const MigrationCounts& other) {
+    mDocuments += other.mDocuments;
+    mFailedDocuments += other.mFailedDocuments;
+    mSkippedFiles += other.mSkippedFiles;
+    mWritten += other.mWritten;
+    mPlanned += other.mPlanned;
+    mSkippedViews += other.mSkippedViews;
+    mRefusedViews += other.mRefusedViews;
+    mFailedViews += other.mFailedViews;
+    mProblems += other.mProblems;
+}
+
 }  // namespace ktannot

@@ -22,6 +22,7 @@ struct MigrationCounts {
     std::size_t mProblems = 0;     ///< problems, messages and warnings
 
     void add(const DocumentResult& result);
+    void add(const MigrationCounts& other);
 };
 
 }  // namespace ktannot

@@ -2,89 +2,60 @@
 
 #include "library/Version.h"
 
-#include <array>
-#include <vector>
-
 namespace ktannot {
 
 namespace {
 
-constexpr std::array<const char*, 6> sStateNames{"written", "skipped", "refused", "failed", "stopped", "planned"};
-
-void writeTexts(JsonWriter& json, const char* key, const std::vector<std::string>& texts) {
-    if (texts.empty()) {
-        return;
+SideOutput::Way getWay(ReportForm form, bool isContinued) {
+    if (form == ReportForm::Whole) {
+        return SideOutput::Way::Whole;
     }
-    json.key(key).beginArray();
-    for (const std::string& text : texts) {
-        json.text(text);
-    }
-    json.endArray();
+    return isContinued ? SideOutput::Way::Append : SideOutput::Way::Stream;
 }
 
-void writeView(JsonWriter& json, const ViewResult& view) {
-    json.beginObject();
-    json.key("name").text(view.mName);
-    json.key("state").text(sStateNames[static_cast<std::size_t>(view.mState)]);
-    if (view.mState == ViewResult::State::Written && !view.mFile.empty()) {
-        json.key("file").text(view.mFile);
-    }
-    if (!view.mReason.empty()) {
-        json.key("reason").text(view.mReason);
-    }
-    if (!view.mRemedy.empty()) {
-        json.key("accept").text(view.mRemedy);
-    }
-    writeTexts(json, "warnings", view.mWarnings);
-    json.endObject();
-}
+std::string getVersion() { return ktAnnotationLegacy::Version::GetDescStringMajorMinorRelease(true); }
 
 }  // namespace
 
-MigrationReportFile::MigrationReportFile(const std::string& path)
-    : mFile(path, SideOutput::Way::Whole), mText(mFile.getDescriptor()), mJson(mText) {
-    mJson.beginObject();
-    mJson.key("tool").text("ktannot");
-    mJson.key("version").text(ktAnnotationLegacy::Version::GetDescStringMajorMinorRelease(true));
-    mJson.key("documents").beginArray();
+ReportForm MigrationReportFile::getForm(const std::string& path) {
+    return path.ends_with(".jsonl") ? ReportForm::Lines : ReportForm::Whole;
 }
 
-void MigrationReportFile::add(const DocumentResult& result) {
-    if (result.isSkippedFile()) {
+MigrationReportFile::MigrationReportFile(const std::string& path, ReportForm form, bool isContinued)
+    : mForm(form), mFile(path, getWay(form, isContinued)), mText(mFile.getDescriptor()), mJson(mText) {
+    if (mForm == ReportForm::Whole) {
+        mJson.beginObject();
+        mJson.key("tool").text("ktannot");
+        mJson.key("version").text(getVersion());
+        mJson.key("documents").beginArray();
+    }
+}
+
+void MigrationReportFile::writeHead(const std::string& options) {
+    mJson.beginObject();
+    mJson.key("report").number(1);
+    mJson.key("tool").text("ktannot");
+    mJson.key("version").text(getVersion());
+    mJson.key("options").raw(options);
+    mJson.endObject();
+    mJson.endLine();
+    mText.flush();
+}
+
+void MigrationReportFile::add(const DocumentReport& report) {
+    if (report.mJson.empty()) {
         return;
     }
-    const LegacyDocument& document = result.mDocument;
-    mJson.beginObject();
-    mJson.key("source").text(document.getSource());
-    mJson.key("exit").number(static_cast<int>(result.mOutcome));
-    if (!result.getReason().empty()) {
-        mJson.key("reason").text(result.getReason());
+    if (mForm == ReportForm::Whole) {
+        mJson.raw(report.mJson);
+    } else {
+        // One write for the line, so that a kill tears the last line at most.
+        mText.write(report.mJson);
+        mText.flush();
     }
-    if (!document.getLimit().empty()) {
-        mJson.key("limit").text(document.getLimit());
-    }
-    writeTexts(mJson, "messages", document.getMessages());
-    mJson.key("problems").beginArray();
-    for (const LegacyDocument::Problem& problem : document.getProblems()) {
-        mJson.beginObject();
-        mJson.key("object").number(problem.mObject);
-        mJson.key("offset").number(problem.mOffset);
-        mJson.key("what").text(problem.mWhat);
-        mJson.endObject();
-    }
-    mJson.endArray();
-    mJson.key("views").beginArray();
-    for (const ViewResult& view : result.mViews) {
-        if (view.mState != ViewResult::State::Unwanted) {
-            writeView(mJson, view);
-        }
-    }
-    mJson.endArray();
-    mJson.endObject();
 }
 
-std::string MigrationReportFile::finish(const MigrationCounts& counts, ExitCode outcome) {
-    mJson.endArray();
+void MigrationReportFile::writeCounts(const MigrationCounts& counts) {
     mJson.key("summary").beginObject();
     mJson.key("documents").number(counts.mDocuments);
     mJson.key("failedDocuments").number(counts.mFailedDocuments);
@@ -95,6 +66,15 @@ std::string MigrationReportFile::finish(const MigrationCounts& counts, ExitCode 
     mJson.key("failed").number(counts.mFailedViews);
     mJson.key("problems").number(counts.mProblems);
     mJson.endObject();
+}
+
+std::string MigrationReportFile::finish(const MigrationCounts& counts, ExitCode outcome) {
+    if (mForm == ReportForm::Whole) {
+        mJson.endArray();
+    } else {
+        mJson.beginObject();
+    }
+    writeCounts(counts);
     mJson.key("exit").number(static_cast<int>(outcome));
     mJson.endObject();
     mJson.endLine();

@@ -1,89 +1,72 @@
 #include "tools/ktannot/report/MigrationReportText.h"
 
 #include "tools/ktannot/console/TerminalText.h"
-#include "tools/ktannot/report/DocumentCensus.h"
+#include "tools/ktannot/report/CountOf.h"
 
 namespace ktannot {
 
 namespace {
 
-std::string getObjectPlace(const LegacyDocument::Problem& problem) {
-    return problem.mObject == 0 ? std::string() : "object " + std::to_string(problem.mObject) + ": ";
+using Group = DocumentReport::Group;
+
+/// "880 views: metadata under known keys; --accept known-metadata; first: ..."
+std::string describe(const Group& group) {
+    std::string text =
+        countOf(group.mCount, group.mKind == Group::Kind::RefusedView ? "view" : "message") + ": " + group.mCause;
+    if (!group.mRemedy.empty()) {
+        text += "; " + group.mRemedy;
+    }
+    return text + "; first: " + group.mLines.front();
 }
 
 }  // namespace
 
-bool MigrationReportText::hasFindings(const DocumentResult& result) {
-    return !result.isSkippedFile() && result.mOutcome != ExitCode::AllWell;
+void MigrationReportText::add(const DocumentReport& report) {
+    if (!mIsQuiet && !mHasResultsOnOutput) {
+        mConsole.out().write(report.mFileNames);
+    }
+    for (const Group& added : report.mGroups) {
+        Group& group = mTotal.getGroup(added.mKind, added.mCause);
+        group.mRemedy = added.mRemedy;
+        for (const std::string& line : added.mLines) {
+            if (group.mLines.size() < Group::sLines && group.mKind == Group::Kind::Message) {
+                mConsole.tell(line);
+            }
+            group.add(line);
+        }
+        group.mCount += added.mCount - added.mLines.size();
+    }
 }
 
-void MigrationReportText::add(const DocumentResult& result) {
-    if (result.isSkippedFile()) {
+void MigrationReportText::finishGroups() {
+    std::size_t refused = 0;
+    for (const Group& group : mTotal.mGroups) {
+        refused += group.mKind == Group::Kind::RefusedView ? group.mCount : 0;
+        if (group.mKind == Group::Kind::Message && group.mCount > group.mLines.size()) {
+            mConsole.tell(describe(group));
+        }
+    }
+    if (refused == 0) {
         return;
     }
-    const LegacyDocument& document = result.mDocument;
-    const std::string source = makeTerminalText(document.getSource());
-    if (!result.getReason().empty()) {
-        mConsole.tell(source + ": " + makeTerminalText(result.getReason()));
-    } else if (!document.getLimit().empty()) {
-        mConsole.tell(source + ": a limit was reached: " + makeTerminalText(document.getLimit()));
-    }
-    for (const LegacyDocument::Problem& problem : document.getProblems()) {
-        mConsole.tell(source + ": " + getObjectPlace(problem) + makeTerminalText(problem.mWhat));
-    }
-    for (const std::string& message : document.getMessages()) {
-        mConsole.tell(source + ": " + makeTerminalText(message));
-    }
-    for (std::size_t index = 0; index < result.mViews.size(); ++index) {
-        addView(result, index);
-    }
-}
-
-void MigrationReportText::addView(const DocumentResult& result, std::size_t index) {
-    const ViewResult& view = result.mViews[index];
-    const std::string place =
-        makeTerminalText(result.mDocument.getSource()) + ": view " +
-        (view.mName.empty() ? std::to_string(index + 1) : "'" + makeTerminalText(view.mName) + "'") + ": ";
-    for (const std::string& warning : view.mWarnings) {
-        mConsole.tell(place + makeTerminalText(warning));
-    }
-    switch (view.mState) {
-        case ViewResult::State::Written:
-        case ViewResult::State::Planned:
-            if (mIsVerbose && !mHasResultsOnOutput && !view.mFile.empty()) {
-                mConsole.out().write(makeTerminalText(view.mFile) + "\n");
-            }
-            break;
-        case ViewResult::State::Skipped:
-        case ViewResult::State::Stopped:
-        case ViewResult::State::Unwanted:
-            break;
-        case ViewResult::State::Refused: {
-            std::string line = place + makeTerminalText(view.mReason);
-            if (!view.mRemedy.empty()) {
-                line += " (--accept " + std::string(view.mRemedy) + " drops the metadata and migrates the view)";
-            }
-            mRefusedViews.push_back(std::move(line));
-            break;
+    mConsole.tell(countOf(refused, "view") + " not migrated:");
+    for (const Group& group : mTotal.mGroups) {
+        if (group.mKind != Group::Kind::RefusedView) {
+            continue;
         }
-        case ViewResult::State::Failed:
-            // Of a dump the document tells why.
-            if (view.mFile.empty()) {
-                break;
-            }
-            mConsole.tell(makeTerminalText(view.mFile) + ": " + makeTerminalText(view.mReason));
-            break;
+        if (group.mCount > group.mLines.size()) {
+            mConsole.tell("  " + describe(group));
+            continue;
+        }
+        for (const std::string& line : group.mLines) {
+            mConsole.tell("  " + line);
+        }
     }
 }
 
 void MigrationReportText::finish(const MigrationCounts& counts, const std::string& output, bool isDryRun,
                                  const std::string& passedOver) {
-    if (!mRefusedViews.empty()) {
-        mConsole.tell(countOf(mRefusedViews.size(), "view") + " not migrated:");
-        for (const std::string& line : mRefusedViews) {
-            mConsole.tell("  " + line);
-        }
-    }
+    finishGroups();
     if (mIsQuiet || mHasResultsOnOutput) {
         return;
     }

@@ -1,0 +1,131 @@
+#!/usr/bin/env python3
+"""Batches on the way to their end: workers that die, limits, shards, lists."""
+
+import json
+import os
+import pathlib
+import signal
+import subprocess
+import unittest
+
+import support
+from support import view
+
+
+def children_of(process):
+    """The process numbers of the children, without those that have ended."""
+    found = []
+    for status in pathlib.Path("/proc").glob("[0-9]*/stat"):
+        try:
+            state, parent = status.read_text().rpartition(")")[2].split()[:2]
+        except OSError:
+            continue
+        if int(parent) == process and state != "Z":
+            found.append(int(status.parent.name))
+    return found
+
+
+class Workers(support.ToolTest):
+    """Twenty documents and, in the middle of them, a pipe that a worker waits at."""
+
+    def setUp(self):
+        super().setUp()
+        self.inputs = [self.write(f"in/{index:02}.json", f'[{view("a")},{view("b")}]') for index in range(20)]
+        os.unlink(self.inputs[10])
+        os.mkfifo(self.inputs[10])
+        self.report = self.folder / "report.jsonl"
+
+    def migrate(self, *options, at_pipe=lambda tool: None):
+        """A run that is met at the pipe, which nothing is ever written to."""
+        with subprocess.Popen([support.TOOL, "migrate", "-o", self.folder / "out", "-j", "1", "--report", self.report,
+                               *self.inputs, *options], stderr=subprocess.PIPE, stdout=subprocess.DEVNULL) as tool:
+            with open(self.inputs[10], "wb"):  # opens when the tool has opened the other end
+                at_pipe(tool)
+                error = tool.communicate(timeout=60)[1].decode()
+        return tool.returncode, error
+
+    def exits_told(self):
+        lines = [json.loads(line) for line in self.report.read_text().splitlines()]
+        return {line["source"]: line["exit"] for line in lines if "source" in line}
+
+    def check_only_the_pipe_failed(self, code):
+        self.assertEqual(self.exits_told(), {source: code if source == self.inputs[10] else 0 for source in self.inputs})
+        drawings = self.read_tree("out")
+        self.assertEqual(len(drawings), 38)
+        self.check_sound(drawings)
+
+    def test_a_death_costs_the_document_in_hand(self):
+        for number in signal.SIGSEGV, signal.SIGKILL, signal.SIGABRT:
+            def end_worker(tool, number=number):
+                for child in children_of(tool.pid):
+                    os.kill(child, number)
+            code, error = self.migrate("--force", at_pipe=end_worker)
+            self.assertEqual(code, 7, error)
+            self.assertIn(f"{self.inputs[10]}: the process that worked on it was ended by signal {number}", error)
+            self.check_only_the_pipe_failed(7)
+
+    def test_time_has_an_end(self):
+        code, error = self.migrate("--time-limit", "0.2")
+        self.assertEqual(code, 5, error)
+        self.assertIn(f"{self.inputs[10]}: a limit was reached: 0.2 seconds for one document; --time-limit", error)
+        self.check_only_the_pipe_failed(5)
+
+    def test_signals_are_answered_within_a_document(self):
+        for number in signal.SIGTERM, signal.SIGINT:
+            code, error = self.migrate("--force", at_pipe=lambda tool, number=number: tool.send_signal(number))
+            self.assertEqual(code, 128 + number)
+            self.assertIn("interrupted after 10 of 20 documents", error)
+            self.assertEqual(list(self.exits_told()), self.inputs[:10])
+            self.assertEqual(len(self.read_tree("out")), 20)
+
+    def test_workers_do_not_outlive_the_run(self):
+        workers = []
+
+        def end_run(tool):
+            workers.extend(children_of(tool.pid))
+            tool.kill()
+        self.migrate(at_pipe=end_run)
+        self.assertEqual(len(workers), 1)
+        for _ in range(1000):
+            if not pathlib.Path(f"/proc/{workers[0]}").exists():
+                break
+            os.sched_yield()
+        else:
+            self.assertIn("Z", pathlib.Path(f"/proc/{workers[0]}/stat").read_text())
+
+
+class Shards(support.ToolTest):
+    def test_their_union_is_one_run(self):
+        for index in range(60):
+            self.write(f"in/{index % 7}/{index}.json", view(f"v{index}"))
+        whole = support.run("migrate", "in", "-o", "whole", cwd=self.folder)
+        self.assertEqual(whole.code, 0, whole.error)
+        sizes = []
+        for shard in range(1, 8):
+            done = support.run("migrate", "in", "-o", "parts", "--shard", f"{shard}/7", cwd=self.folder)
+            self.assertEqual(done.code, 0, done.error)
+            sizes.append(int(done.out.split()[0]))
+        self.assertEqual(self.read_tree("whole"), self.read_tree("parts"))
+        self.assertEqual(sum(sizes), 60)
+        # The hash of the path below the base decides, whatever stands in front of it.
+        for arguments in ["--base", "in", *[f"in/{folder}" for folder in range(7)]], ["--base", ".", "in"]:
+            done = support.run("migrate", "-o", "again", "--shard", "3/7", "--force", *arguments, cwd=self.folder)
+            self.assertEqual(int(done.out.split()[0]) == sizes[2], arguments[1] == "in", done)
+
+    def test_the_hash_is_fnv_1a(self):
+        def fnv(text):
+            value = 0xcbf29ce484222325
+            for byte in text.encode():
+                value = (value ^ byte) * 0x100000001b3 % 2**64
+            return value
+        names = [f"{word}.json" for word in ["a", "b", "c/d", "ä", "long" * 20]]
+        for name in names:
+            self.write(f"in/{name}", view("v"))
+        for shard in range(1, 4):
+            support.run("migrate", "in", "-o", f"out{shard}", "--shard", f"{shard}/3", cwd=self.folder)
+            made = {name.rpartition("/")[0] for name in self.read_tree(f"out{shard}")}
+            self.assertEqual(made, {name for name in names if fnv(name) % 3 == shard - 1})
+
+
+if __name__ == "__main__":
+    unittest.main()
