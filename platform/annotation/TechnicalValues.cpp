@@ -1,3 +1,4 @@
+#include "platform/annotation/LineLevels_p.h"
 #include "platform/annotation/TechnicalValues_p.h"
 
 #include <unicode/uchar.h>
@@ -65,7 +66,8 @@ TechnicalValues::Kind TechnicalValues::getKind(char32_t character) {
         case U_LEFT_TO_RIGHT:
             return Kind::Letter;
         default:
-            return Kind::Blank;
+            // Punctuation of right-to-left scripts ends values as their letters do.
+            return LineLevels::isBidiCharacter(character) ? Kind::RightToLeft : Kind::Blank;
     }
 }
 

@@ -101,6 +101,27 @@ bool mayHoldRightToLeft(std::string_view text) {
     return false;
 }
 
+/// Characters around a run that keep its direction. A run has one, found for the whole line: a renderer, which sees the
+/// run alone, must not find another. Attributes for this are unknown to some viewers and misplace the run in others;
+/// these characters are right in all of them.
+struct DirectionControls {
+    std::string_view mStart;
+    std::string_view mEnd;
+};
+
+DirectionControls getDirectionControls(const Text& text) {
+    constexpr std::string_view leftToRightOverride = "\xE2\x80\xAD";
+    constexpr std::string_view rightToLeftOverride = "\xE2\x80\xAE";
+    constexpr std::string_view endOfOverride = "\xE2\x80\xAC";
+    // The mark keeps blanks at the run's end on its left.
+    constexpr std::string_view markAndEndOfOverride = "\xE2\x80\x8F\xE2\x80\xAC";
+    if (text.isRightToLeft()) {
+        return {rightToLeftOverride, markAndEndOfOverride};
+    }
+    return mayHoldRightToLeft(text.getText()) ? DirectionControls{leftToRightOverride, endOfOverride}
+                                              : DirectionControls{};
+}
+
 bool haveSameFont(const Text& a, const Text& b) {
     return &a == &b || (a.getSize() == b.getSize() && a.isBold() == b.isBold() && a.isItalic() == b.isItalic() &&
                         a.getFont() == b.getFont());
@@ -400,13 +421,6 @@ void ItemWriter::writeText(const Text& text, const Affine& map, const WriteConte
         out = putNumber(out, static_cast<double>(text.getLength()), placement.mDecimals);
         out = putLiteral(out, "\" lengthAdjust=\"spacingAndGlyphs\"");
     }
-    // A run has one direction, found for the whole line: a renderer, which sees the run alone, must not find another.
-    if (text.isRightToLeft()) {
-        // The end of right-to-left text is its left edge, where the position is.
-        out = putLiteral(out, " direction=\"rtl\" unicode-bidi=\"bidi-override\" text-anchor=\"end\"");
-    } else if (!scan.mIsPlain && mayHoldRightToLeft(text.getText())) {
-        out = putLiteral(out, " unicode-bidi=\"bidi-override\"");
-    }
     if (scan.mHasFragileBlanks) {
         out = putLiteral(out, " xml:space=\"preserve\"");
     }
@@ -414,14 +428,17 @@ void ItemWriter::writeText(const Text& text, const Affine& map, const WriteConte
     // Letters have no outline: groups give theirs to frames and lines.
     const Paint paint{getPaint(text, context.mInherited).mColor, sNone};
     appendCommon(text, map, placement, paint, context);
-    if (scan.mIsPlain && text.getText().size() <= sShortTextSize) {
+    if (scan.mIsPlain && text.getText().size() <= sShortTextSize && !text.isRightToLeft()) {
         out = mBuffer->reserve(sShortTextSize + sNumbersSize);
         *out++ = '>';
         out = putText(out, text.getText());
         mBuffer->commit(putLiteral(out, "</text>\n"));
     } else {
+        const DirectionControls controls = getDirectionControls(text);
         mBuffer->append(">");
+        mBuffer->append(controls.mStart);
         appendXmlText(*mBuffer, text.getText(), XmlContext::Content);
+        mBuffer->append(controls.mEnd);
         mBuffer->append("</text>\n");
     }
 }

@@ -137,11 +137,11 @@ TEST(SvgWriter, WritesWhatDiffersFromTheGroupsAround) {
          "g" + sFont + " font-weight=bold\n" + light + light + ".text" + sFont + " font-weight=normal" + sLength +
              " x=1 y=2 | A\n"},
         {rich,
-         "text direction=rtl font-family='O\\'Brien \\\\ \"Sans\" ',sans-serif font-size=3.175 font-style=italic "
-         "font-weight=bold lengthAdjust=spacingAndGlyphs text-anchor=end textLength=7.5 unicode-bidi=bidi-override x=1 "
-         "xml:space=preserve y=2 |  two  blanks & <more> \n"},
+         "text font-family='O\\'Brien \\\\ \"Sans\" ',sans-serif font-size=3.175 font-style=italic "
+         "font-weight=bold lengthAdjust=spacingAndGlyphs textLength=7.5 x=1 xml:space=preserve y=2 | "
+         "\xE2\x80\xAE two  blanks & <more> \xE2\x80\x8F\xE2\x80\xAC\n"},
         // Letters that ran from right to left, were it not for what stands around them in their line.
-        {makeText("\xD7\xA9"), "text" + sFont + sLength + " unicode-bidi=bidi-override x=1 y=2 | \xD7\xA9\n"},
+        {makeText("\xD7\xA9"), "text" + sFont + sLength + " x=1 y=2 | \xE2\x80\xAD\xD7\xA9\xE2\x80\xAC\n"},
         {scaled, "rect class=s border fill=none height=4 stroke=#00FF00 width=3 x=1 y=2\n"},
         {makeText("one blank each"), "text" + sFont + sLength + " x=1 y=2 | one blank each\n"},
     };
