@@ -127,5 +127,86 @@ class Shards(support.ToolTest):
             self.assertEqual(made, {name for name in names if fnv(name) % 3 == shard - 1})
 
 
+class Resumption(support.ToolTest):
+    """A run over thirty documents, one of which is refused and one of which has problems."""
+
+    def setUp(self):
+        super().setUp()
+        self.sources = [f"in/{index:02}.json" for index in range(30)]
+        for index, source in enumerate(self.sources):
+            self.write(source, f'[{view("a")},{view("b")}]' if index % 2 else view(f"v{index}"))
+        self.write(self.sources[3], '{"ver":"1.0"}')
+        self.write(self.sources[4], '{"ver":"6.22","name":"m","axis":0,"annotations":[]}')
+
+    def arguments(self, *options):
+        return ["migrate", "in", "-o", "out", "-j", "2", "--report", "report.jsonl", *options]
+
+    def migrate(self, *options):
+        return support.run(*self.arguments("--resume", *options), cwd=self.folder)
+
+    def read_lines(self):
+        """Lines of documents by source, without what differs from run to run; each whole and no source twice."""
+        text = (self.folder / "report.jsonl").read_text()
+        lines = [json.loads(line) for line in text.splitlines()]
+        self.assertEqual(lines[0]["report"], 1)
+        self.assertEqual([lines[-1]["exit"], lines[-1]["summary"]["documents"]], [4, 30])
+        sources = {line["source"]: {key: line[key] for key in line if key not in ("seconds", "mtime")}
+                   for line in lines[1:-1]}
+        self.assertEqual(len(sources), len(lines) - 2)
+        return sources
+
+    def times(self):
+        return {path: path.stat().st_mtime_ns for path in (self.folder / "out").rglob("*.svg")}
+
+    def test_does_what_is_left_and_what_has_changed(self):
+        self.assertEqual(self.migrate().code, 4)
+        whole, lines, before = self.read_tree("out"), self.read_lines(), self.times()
+        self.assertEqual(len(lines), 30)
+        self.assertEqual(lines["in/04.json"]["findings"], [{"severity": "warning", "what": "invalid 'axis' field"}])
+        self.assertEqual(lines["in/00.json"]["views"], [
+            {"view": 1, "name": "v0", "state": "written", "file": "out/00.json/001-v0.svg", "findings": []}])
+        again = self.migrate()
+        self.assertEqual([again.code, self.times(), self.read_lines()], [4, before, lines], again.error)
+        # Touched and the same; of another content; without its drawing.
+        os.utime(self.folder / "in/06.json", (1, 1))
+        self.write("in/08.json", view("changed"))
+        (self.folder / "out/10.json/001-v10.svg").unlink()
+        self.assertEqual(self.migrate().code, 4)
+        self.assertEqual({path.parent.name for path, time in self.times().items() if before.get(path) != time},
+                         {"08.json", "10.json"})
+        self.assertEqual(self.read_lines().keys(), lines.keys())
+        self.assertEqual(whole.keys() | {"08.json/001-changed.svg"}, self.read_tree("out").keys())
+
+    def test_kills_cost_the_documents_in_hand_at_most(self):
+        self.assertEqual(self.migrate().code, 4)
+        whole, lines = self.read_tree("out"), self.read_lines()
+        for path in (self.folder / "out").rglob("*.svg"):
+            path.unlink()
+        report = self.folder / "report.jsonl"
+        report.unlink()
+        count = 0
+        for lines_until_kill in range(0, 30, 3):
+            with subprocess.Popen([support.TOOL, *self.arguments("--resume")], cwd=self.folder,
+                                  stderr=subprocess.DEVNULL, stdout=subprocess.DEVNULL) as tool:
+                while tool.poll() is None and (not report.exists() or
+                                               report.read_bytes().count(b"\n") < lines_until_kill):
+                    pass
+                tool.kill()
+            if report.exists() and report.stat().st_size > 10:  # a last line that is torn
+                count += 1
+                with open(report, "r+b") as file:
+                    file.truncate(report.stat().st_size - count % 3)
+        self.assertEqual(self.migrate().code, 4)
+        self.assertEqual(self.read_tree("out"), whole)
+        self.assertEqual(self.read_lines(), lines)
+
+    def test_goes_on_with_the_same_options_only(self):
+        self.migrate()
+        before = (self.folder / "report.jsonl").read_bytes()
+        done = self.migrate("--text", "outlines")
+        self.assertEqual([done.code, (self.folder / "report.jsonl").read_bytes()], [2, before])
+        self.assertIn("other options", done.error)
+
+
 if __name__ == "__main__":
     unittest.main()

@@ -10,9 +10,12 @@
 #include "tools/ktannot/report/CadJson.h"
 #include "tools/ktannot/report/JsonWriter.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
+#include <set>
 #include <system_error>
 
 namespace ktannot {
@@ -40,6 +43,36 @@ kt::ktCadViewSvgWriter::Options getWriterOptions(const MigrationOptions& options
 bool exists(const std::string& path) {
     std::error_code error;
     return std::filesystem::exists(std::filesystem::symlink_status(path, error));
+}
+
+/// Whether a file holds exactly that.
+bool hasContent(const std::string& path, std::string_view content) {
+    std::ifstream file(path, std::ios::binary);
+    std::string found(content.size() + 1, '\0');
+    file.read(found.data(), static_cast<std::streamsize>(found.size()));
+    return static_cast<std::size_t>(file.gcount()) == content.size() &&
+           std::string_view(found).substr(0, content.size()) == content;
+}
+
+std::string getStaleness(const std::string& path) {
+    return "'" + path + "' is kept, but the document gives something else now; --force replaces it";
+}
+
+/// The files of a folder that are named like drawings, sorted.
+std::vector<std::string> findDrawings(const std::string& folder) {
+    std::vector<std::string> found;
+    std::error_code error;
+    std::filesystem::directory_iterator entry(folder, error);
+    while (!error && entry != std::filesystem::directory_iterator()) {
+        const std::string name = entry->path().filename().string();
+        const std::size_t digits = std::min(name.find_first_not_of("0123456789"), name.size());
+        if (digits >= 3 && name[digits] == '-' && name.ends_with(".svg")) {
+            found.push_back(folder + "/" + name);
+        }
+        entry.increment(error);
+    }
+    std::sort(found.begin(), found.end());
+    return found;
 }
 
 /// Why the loader made no view: the last of its messages about it.
@@ -109,7 +142,7 @@ void DocumentMigrator::migrateViews(const Input& input, DocumentResult& result, 
         result.mViews.clear();
         return;
     }
-    const bool isKept = isTaken && mOptions.mExisting == MigrationOptions::Existing::Skip;
+    findStaleDrawings(input, result);
     std::vector<CadView> dumped;
     for (std::size_t index = 0; index < result.mViews.size(); ++index) {
         ViewResult& viewResult = result.mViews[index];
@@ -122,10 +155,6 @@ void DocumentMigrator::migrateViews(const Input& input, DocumentResult& result, 
             result.mIsStopped = true;
             continue;
         }
-        if (isKept && (isDump() || exists(viewResult.mFile))) {
-            viewResult.mState = ViewResult::State::Skipped;
-            continue;
-        }
         CadView view = migrateView(result.mDocument, result.mDocument.getViews()[index], viewResult);
         result.mDocument.releaseView(index);
         finishView(std::move(view), viewResult, result, dumped);
@@ -133,7 +162,7 @@ void DocumentMigrator::migrateViews(const Input& input, DocumentResult& result, 
             onView(index + 1, viewResult);
         }
     }
-    if (!isDump() || isKept || mOptions.mIsDryRun) {
+    if (!isDump() || mOptions.mIsDryRun) {
         return;
     }
     if (result.mIsStopped) {
@@ -160,6 +189,27 @@ bool DocumentMigrator::planFiles(const Input& input, DocumentResult& result) con
         }
     }
     return isTaken;
+}
+
+bool DocumentMigrator::isKept(const std::string& path) const {
+    return mOptions.mExisting == MigrationOptions::Existing::Skip && !mOptions.isToStandardOutput() && exists(path);
+}
+
+void DocumentMigrator::findStaleDrawings(const Input& input, DocumentResult& result) const {
+    if (isDump() || mOptions.isToStandardOutput() || mOptions.mView != 0) {
+        return;
+    }
+    std::set<std::string> made;
+    for (const ViewResult& view : result.mViews) {
+        made.insert(view.mFile);
+    }
+    for (const std::string& path : findDrawings(mOptions.getFolder(input.mDocumentName))) {
+        if (made.count(path) == 0) {
+            result.mWarnings.push_back("no view of it is drawn to '" + path +
+                                       "' any more, which an earlier run made: delete it, or keep it elsewhere");
+            result.mOutcome = worst(result.mOutcome, ExitCode::WithProblems);
+        }
+    }
 }
 
 void DocumentMigrator::finishView(CadView view, ViewResult& viewResult, DocumentResult& result,
@@ -221,6 +271,13 @@ void DocumentMigrator::writeDrawing(const kt::ktCadAnnotationView& view, ViewRes
     for (const kt::ktCadViewSvgWriter::Warning& warning : mWriter.getWarnings()) {
         viewResult.mWarnings.push_back(warning.getSentence());
     }
+    if (isKept(viewResult.mFile)) {
+        viewResult.mState = ViewResult::State::Skipped;
+        if (!hasContent(viewResult.mFile, mFile)) {
+            viewResult.mWarnings.push_back(getStaleness(viewResult.mFile));
+        }
+        return;
+    }
     if (mOptions.mIsDryRun) {
         viewResult.mState = ViewResult::State::Planned;
         return;
@@ -260,7 +317,18 @@ void DocumentMigrator::writeDump(const std::vector<CadView>& views, const Input&
         result.mText = text.takeText();
         return;
     }
-    result.mReason = ResultFile::write(getDumpPath(input), text.getText(), mOptions);
+    result.mFile = getDumpPath(input);
+    if (isKept(result.mFile)) {
+        if (!hasContent(result.mFile, text.getText())) {
+            result.mWarnings.push_back(getStaleness(result.mFile));
+            result.mOutcome = worst(result.mOutcome, ExitCode::WithProblems);
+        }
+        for (ViewResult& view : result.mViews) {
+            view.mState = view.mState == ViewResult::State::Written ? ViewResult::State::Skipped : view.mState;
+        }
+        return;
+    }
+    result.mReason = ResultFile::write(result.mFile, text.getText(), mOptions);
     if (!result.mReason.empty()) {
         result.mOutcome = worst(result.mOutcome, ExitCode::EnvironmentFailed);
         for (ViewResult& view : result.mViews) {

@@ -48,6 +48,10 @@ private:
     void migrateViews(const Input& input, DocumentResult& result, const ViewListener& onView);
     /// Lists the views with the files that they will be drawn to; true when one of the files is there already.
     bool planFiles(const Input& input, DocumentResult& result) const;
+    /// Whether a result that is there already stays.
+    bool isKept(const std::string& path) const;
+    /// Tells of drawings of earlier runs that no view has any more.
+    void findStaleDrawings(const Input& input, DocumentResult& result) const;
     /// Writes what became of a view, or keeps it for the dump.
     void finishView(CadView view, ViewResult& viewResult, DocumentResult& result, std::vector<CadView>& dumped);
     CadView migrateView(const LegacyDocument& document, const LegacyDocument::View& view, ViewResult& viewResult);

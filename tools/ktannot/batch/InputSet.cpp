@@ -290,6 +290,11 @@ void InputSet::keepShard(std::uint64_t shard, std::uint64_t shards) {
     std::erase_if(mEntries, [=](const Entry& entry) { return hashName(entry.getName()) % shards != shard - 1; });
 }
 
+void InputSet::remove(const std::vector<bool>& isMarked) {
+    std::size_t index = 0;
+    std::erase_if(mEntries, [&](const Entry& /*entry*/) { return isMarked[index++]; });
+}
+
 bool InputSet::contains(const FileIdentity& file) const {
     return std::binary_search(mFiles.begin(), mFiles.end(), file);
 }

@@ -60,6 +60,9 @@ public:
     /// @param shard  from 1 to shards.
     void keepShard(std::uint64_t shard, std::uint64_t shards);
 
+    /// Takes out the documents whose indices are marked.
+    void remove(const std::vector<bool>& isMarked);
+
     /// Whether a file was named by the arguments, as a document of any shard or as the list of documents.
     bool contains(const FileIdentity& file) const;
     /// The folders that documents' names are relative to.

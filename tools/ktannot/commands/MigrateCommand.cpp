@@ -2,6 +2,7 @@
 
 #include "tools/ktannot/EnvironmentError.h"
 #include "tools/ktannot/UsageError.h"
+#include "tools/ktannot/batch/EarlierReport.h"
 #include "tools/ktannot/batch/IsolatedRun.h"
 #include "tools/ktannot/batch/StopSignal.h"
 #include "tools/ktannot/batch/ThreadedRun.h"
@@ -69,25 +70,30 @@ InputSet MigrateCommand::findInputs() const {
     return inputs;
 }
 
-std::unique_ptr<MigrationReportFile> MigrateCommand::openReport() const {
+std::unique_ptr<MigrationReportFile> MigrateCommand::openReport(bool isContinued) const {
     if (!mOptions.mReportPath) {
         return nullptr;
     }
     const std::string& path = *mOptions.mReportPath;
     const ReportForm form = MigrationReportFile::getForm(path);
-    auto file = std::make_unique<MigrationReportFile>(path, form, false);
+    auto file = std::make_unique<MigrationReportFile>(path, form, isContinued);
     if (!file->getFailure().empty()) {
         throw EnvironmentError(path + ": the report " + file->getFailure());
+    }
+    if (form == ReportForm::Lines && !isContinued) {
+        file->writeHead(mOptions.describe());
     }
     return file;
 }
 
 ExitCode MigrateCommand::run(Channels& channels) {
     mOptions.check();
-    const InputSet inputs = findInputs();
+    InputSet inputs = findInputs();
+    EarlierReport earlier(mOptions.mReportPath.value_or(""), mOptions.describe());
+    const bool isContinued = mOptions.mIsResumed && earlier.takeFrom(inputs);
     mOptions.mMigration.mInputs = &inputs;
     openLogFile(channels.mLog);
-    const std::unique_ptr<MigrationReportFile> reportFile = openReport();
+    const std::unique_ptr<MigrationReportFile> reportFile = openReport(isContinued);
     const ReportForm form =
         mOptions.mReportPath ? MigrationReportFile::getForm(*mOptions.mReportPath) : ReportForm::None;
 
@@ -95,8 +101,8 @@ ExitCode MigrateCommand::run(Channels& channels) {
     const StopSignal stopSignal;
     Progress progress(inputs.size(), mOptions.getProgressForm(console.isErrorTerminal()));
     MigrationReportText reportText(console, mOptions.mIsQuiet, mOptions.isStandardOutputTaken());
-    MigrationCounts counts;
-    ExitCode outcome = ExitCode::AllWell;
+    MigrationCounts counts = earlier.getCounts();
+    ExitCode outcome = earlier.getOutcome();
     std::size_t done = 0;
     std::atomic<bool> isOutputGone = false;
 
@@ -149,7 +155,8 @@ ExitCode MigrateCommand::run(Channels& channels) {
                       inputs.getPassedOver().describe());
     if (signal != 0) {
         console.tell("interrupted after " + std::to_string(done) + " of " + std::to_string(inputs.size()) +
-                     " documents; what was written is whole. --skip-existing goes on from here");
+                     " documents; what was written is whole. " +
+                     (form == ReportForm::Lines ? "--resume" : "--skip-existing") + " goes on from here");
     }
     return outcome;
 }

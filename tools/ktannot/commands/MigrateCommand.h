@@ -27,7 +27,8 @@ public:
 private:
     InputSet findInputs() const;
     /// Null when none is wanted.
-    std::unique_ptr<MigrationReportFile> openReport() const;
+    /// @param isContinued  whether it has lines that stay.
+    std::unique_ptr<MigrationReportFile> openReport(bool isContinued) const;
     void openLogFile(DocumentLog& log) const;
 
     MigrateOptions mOptions;

@@ -5,7 +5,10 @@
 #include "tools/ktannot/batch/MetadataAcceptance.h"
 #include "tools/ktannot/batch/OutputCheck.h"
 #include "tools/ktannot/commands/Command.h"
+#include "tools/ktannot/console/TextOutput.h"
 #include "tools/ktannot/files/SideOutput.h"
+#include "tools/ktannot/report/JsonWriter.h"
+#include "tools/ktannot/report/MigrationReportFile.h"
 
 #include <CLI/CLI.hpp>
 #include <sched.h>
@@ -56,6 +59,7 @@ void MigrateOptions::declareInput(CLI::App& app) {
     app.add_option("--shard", mShardText, "Only the I-th of N parts of the inputs, for many machines")
         ->type_name("I/N")
         ->group(sInput);
+    app.add_flag("--resume", mIsResumed, "Go on where the run that wrote --report FILE.jsonl ended")->group(sInput);
     app.add_option("--view", mMigration.mView, "Only the view with that number of each document")
         ->type_name("N")
         ->check(CLI::Range(std::size_t{1}, std::numeric_limits<std::size_t>::max()).description(""))
@@ -163,7 +167,11 @@ void MigrateOptions::check() {
     if (!mMigration.mBackground.empty() && !kt::svg::SvgWriter::isColor(mMigration.mBackground)) {
         throw UsageError("--background takes a colour such as white or #F8F8F0, not '" + mMigration.mBackground + "'");
     }
-    if (mIsForced) {
+    if (mIsResumed && (!mReportPath || MigrationReportFile::getForm(*mReportPath) != ReportForm::Lines)) {
+        throw UsageError("--resume goes on with the report of an earlier run: name it with --report FILE.jsonl");
+    }
+    if (mIsForced || (mIsResumed && !mIsSkipping)) {
+        // A run that was killed may have left drawings of which its report does not tell.
         mMigration.mExisting = MigrationOptions::Existing::Replace;
     } else if (mIsSkipping) {
         mMigration.mExisting = MigrationOptions::Existing::Skip;
@@ -233,6 +241,26 @@ void MigrateOptions::checkPlaces(const InputSet& inputs) const {
 bool MigrateOptions::isStandardOutputTaken() const {
     return mMigration.isToStandardOutput() || (mReportPath && SideOutput::isStandardOutput(*mReportPath)) ||
            (mLogPath && SideOutput::isStandardOutput(*mLogPath));
+}
+
+std::string MigrateOptions::describe() const {
+    TextOutput text;
+    JsonWriter json(text);
+    json.beginObject();
+    json.key("output").text(mMigration.mOutput);
+    json.key("format").text(mFormatName);
+    json.key("text").text(mTextModeName);
+    json.key("headSize").number(mMigration.mHeadSize);
+    json.key("background").text(mMigration.mBackground);
+    json.key("pictureBackground").text(mPictureBackgroundName);
+    json.key("rasterDir").text(mMigration.mRasterFolder.value_or(""));
+    json.key("accept").text(mAcceptedWords);
+    json.key("base").text(mInputOptions.mBase.value_or(""));
+    json.key("shard").text(mShardText);
+    json.key("view").number(mMigration.mView);
+    json.key("dryRun").boolean(mMigration.mIsDryRun);
+    json.endObject();
+    return text.takeText();
 }
 
 Progress::Form MigrateOptions::getProgressForm(bool isTerminal) const {

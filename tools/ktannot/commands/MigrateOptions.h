@@ -30,6 +30,8 @@ public:
 
     /// Whether standard output carries results, a report or a log, and nothing for people.
     bool isStandardOutputTaken() const;
+    /// What results depend on, as one JSON object.
+    std::string describe() const;
     /// How progress is shown.
     Progress::Form getProgressForm(bool isTerminal) const;
     int getJobs(std::size_t documents) const;
@@ -42,6 +44,7 @@ public:
     std::optional<std::string> mReportPath;
     std::optional<std::string> mLogPath;
     std::chrono::milliseconds mTimeLimit{60'000};
+    bool mIsResumed = false;
     bool mIsForced = false;
     bool mIsQuiet = false;
     bool mIsVerbose = false;

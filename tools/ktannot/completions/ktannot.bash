@@ -32,7 +32,7 @@ _ktannot() {
                         --background --picture-background
                         --force --skip-existing --memory-limit -q --quiet -v --verbose --log-file
                         --files-from -0 --base --shard --view --dry-run
-                        --progress --time-limit --isolate'
+                        --progress --time-limit --isolate --resume'
                     ;;
                 inspect) words='-h --help --json --memory-limit --color' ;;
                 check) words='-h --help --json --memory-limit' ;;

@@ -131,6 +131,9 @@ void DocumentReporter::tell(const DocumentResult& result, DocumentReport& report
     for (const std::string& message : document.getMessages()) {
         add(message);
     }
+    for (const std::string& warning : result.mWarnings) {
+        add(warning);
+    }
     for (std::size_t index = 0; index < result.mViews.size(); ++index) {
         tellView(result, index, report);
     }
@@ -187,6 +190,7 @@ void DocumentReporter::writeWhole(JsonWriter& json, const DocumentResult& result
         json.key("limit").text(document.getLimit());
     }
     writeTexts(json, "messages", document.getMessages());
+    writeTexts(json, "warnings", result.mWarnings);
     writeProblems(json, document);
     json.key("views").beginArray();
     for (const ViewResult& view : result.mViews) {
@@ -209,6 +213,9 @@ void DocumentReporter::writeLine(JsonWriter& json, const DocumentResult& result)
     }
     if (document.isLoaded()) {
         json.key("kind").text(LegacyJson::getKindWord(document.getKind()));
+    }
+    if (!result.mFile.empty()) {
+        json.key("file").text(result.mFile);
     }
     json.key("exit").number(static_cast<int>(result.mOutcome));
     json.key("seconds").number(result.mSeconds);
@@ -234,8 +241,10 @@ void DocumentReporter::writeLine(JsonWriter& json, const DocumentResult& result)
         json.key("offset").number(problem.mOffset);
         json.endObject();
     }
-    for (const std::string& message : document.getMessages()) {
-        writeFinding(json, "warning", message);
+    for (const std::vector<std::string>* texts : {&document.getMessages(), &result.mWarnings}) {
+        for (const std::string& text : *texts) {
+            writeFinding(json, "warning", text);
+        }
     }
     json.endArray();
     json.endObject();

@@ -52,8 +52,10 @@ struct DocumentResult {
 
     LegacyDocument mDocument;
     std::vector<ViewResult> mViews;
-    std::string mText;    ///< for standard output
-    std::string mReason;  ///< why the document as a whole was not migrated, beyond what its reading says
+    std::string mText;                   ///< for standard output
+    std::string mFile;                   ///< the dump; empty when none is written
+    std::vector<std::string> mWarnings;  ///< of the document as a whole, beyond what its reading says
+    std::string mReason;                 ///< why the document as a whole was not migrated, beyond what its reading says
     ExitCode mOutcome = ExitCode::AllWell;
     SourceFacts mFacts;
     double mSeconds = 0.0;    ///< that it took

@@ -9,7 +9,8 @@ void MigrationCounts::add(const DocumentResult& result) {
     }
     ++mDocuments;
     mFailedDocuments += result.getReason().empty() ? 0U : 1U;
-    mProblems += result.mDocument.getProblems().size() + result.mDocument.getMessages().size();
+    mProblems +=
+        result.mDocument.getProblems().size() + result.mDocument.getMessages().size() + result.mWarnings.size();
     for (const ViewResult& view : result.mViews) {
         mWritten += view.mState == ViewResult::State::Written ? 1U : 0U;
         mPlanned += view.mState == ViewResult::State::Planned ? 1U : 0U;
