@@ -6,6 +6,8 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+# Where the build stands shall not show in what it makes.
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
     set(CMAKE_BUILD_TYPE Release)
 endif()
@@ -14,6 +16,8 @@ add_library(ktCompiler INTERFACE)
 target_compile_options(ktCompiler INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast -Wnon-virtual-dtor
     -Woverloaded-virtual -Wcast-align -Wdouble-promotion -Wformat=2
+    # A format that comes from outside is never a false alarm.
+    -Werror=format-security
     # Nobody replaces single functions of a library: calls within one need no detour through its tables.
     -fno-semantic-interposition -fno-plt
     # Results must not depend on whether the compiler may fuse a multiplication with an addition.
@@ -22,6 +26,8 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # GCC 12 reports overlapping copies inside std::string at -O3 where there are none.
     target_compile_options(ktCompiler INTERFACE -Wno-restrict)
 endif()
+# What is shipped holds no path of the machine that built it.
+target_compile_options(ktCompiler INTERFACE "$<$<CONFIG:Release>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>")
 if(KT_WERROR)
     target_compile_options(ktCompiler INTERFACE -Werror)
 endif()
@@ -39,6 +45,7 @@ if(KT_COVERAGE)
     target_compile_options(ktCompiler INTERFACE --coverage -O0)
     target_link_options(ktCompiler INTERFACE --coverage)
 endif()
+include(KtHardening)
 if(KT_BUILD_FUZZERS)
     target_compile_options(ktCompiler INTERFACE -fsanitize=fuzzer-no-link)
 endif()

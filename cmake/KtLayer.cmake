@@ -14,6 +14,7 @@ function(kt_add_layer target)
 
     add_library(${target} SHARED ${ARG_SOURCES})
     add_library(kt::${ARG_EXPORT_NAME} ALIAS ${target})
+    set_property(GLOBAL APPEND PROPERTY KT_LAYERS ${target})
     string(REGEX MATCH "^[0-9]+" soversion "${ARG_VERSION}")
     set_target_properties(${target} PROPERTIES
         EXPORT_NAME ${ARG_EXPORT_NAME} VERSION ${ARG_VERSION} SOVERSION ${soversion}
