@@ -1,6 +1,7 @@
 #include "tools/ktannot/commands/VersionCommand.h"
 
 #include "library/Version.h"
+#include "tools/ktannot/ToolVersion.h"
 
 namespace ktannot {
 
@@ -31,7 +32,7 @@ ExitCode VersionCommand::run(Channels& channels) {
 
 std::string VersionCommand::getText() {
     using ktAnnotationLegacy::Version;
-    return std::string("ktannot ") + Version::GetDescStringMajorMinorRelease(true) + "\nlibktAnnotationLegacy " +
+    return std::string("ktannot ") + getToolVersion() + "\nlibktAnnotationLegacy " +
            Version::GetDescStringMajorMinorReleaseRevisionDate() + "\nbuilt with " + sCompiler + ", " + sAssertions;
 }
 

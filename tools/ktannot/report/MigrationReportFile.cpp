@@ -1,6 +1,6 @@
 #include "tools/ktannot/report/MigrationReportFile.h"
 
-#include "library/Version.h"
+#include "tools/ktannot/ToolVersion.h"
 
 namespace ktannot {
 
@@ -13,8 +13,6 @@ SideOutput::Way getWay(ReportForm form, bool isContinued) {
     return isContinued ? SideOutput::Way::Append : SideOutput::Way::Stream;
 }
 
-std::string getVersion() { return ktAnnotationLegacy::Version::GetDescStringMajorMinorRelease(true); }
-
 }  // namespace
 
 ReportForm MigrationReportFile::getForm(const std::string& path) {
@@ -26,7 +24,7 @@ MigrationReportFile::MigrationReportFile(const std::string& path, ReportForm for
     if (mForm == ReportForm::Whole) {
         mJson.beginObject();
         mJson.key("tool").text("ktannot");
-        mJson.key("version").text(getVersion());
+        mJson.key("version").text(getToolVersion());
         mJson.key("documents").beginArray();
     }
 }
@@ -35,7 +33,7 @@ void MigrationReportFile::writeHead(const std::string& options) {
     mJson.beginObject();
     mJson.key("report").number(1);
     mJson.key("tool").text("ktannot");
-    mJson.key("version").text(getVersion());
+    mJson.key("version").text(getToolVersion());
     mJson.key("options").raw(options);
     mJson.endObject();
     mJson.endLine();
