@@ -9,7 +9,7 @@ SECONDS_PER_TARGET ?= 300
 FUZZ_TARGETS = $(patsubst fuzz/seeds/%/,%,$(wildcard fuzz/seeds/*/))
 SOURCES = git ls-files -z -- '*.h' '*.cpp'
 
-.PHONY: help demo test test-sanitizers bench fuzz format tidy package clean
+.PHONY: help demo test test-sanitizers bench fuzz format tidy docs package check-package clean
 
 help: ## this list
 	@grep -E '^[a-z-]+:.*## ' $(MAKEFILE_LIST) | sed -E 's/^([a-z-]+):.*## /\1\t/' | expand -t 18
@@ -59,11 +59,19 @@ tidy: ## run clang-tidy over all sources
 	git ls-files -z -- 'library/*.cpp' 'legacy/*.cpp' 'migration/*.cpp' 'math/*.cpp' 'platform/*.cpp' 'tools/*.cpp' | \
 	    xargs -0 -n 1 -P $(JOBS) clang-tidy --quiet -p build/dev
 
+docs: ## write the reference of the public headers to build/docs/documentation/html/
+	scripts/install-deps --build --packaging
+	cmake --preset docs
+	cmake --build --preset docs --target documentation
+
 package: ## make the Debian packages in build/package/
-	scripts/install-deps --build --tests
-	$(CONFIGURE) --preset package
-	cmake --build --preset package --parallel $(JOBS)
-	cd build/package && cpack -G DEB
+	scripts/install-deps --build --packaging
+	scripts/make-packages build/package
+
+check-package: ## make them, let Debian's checkers judge them, and make them again elsewhere: they must be equal
+	scripts/install-deps --build --packaging
+	scripts/make-packages --check build/package
+	scripts/make-packages --twice build/package
 
 clean: ## remove what the targets above made
 	rm -rf build out

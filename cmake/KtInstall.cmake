@@ -39,7 +39,6 @@ if(KT_BUILD_TOOLS)
     install(FILES "${completions}/ktannot.fish"
         DESTINATION "${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d" COMPONENT runtime)
 endif()
-install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" RENAME copyright
-    DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/ktannot" COMPONENT runtime)
-install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" RENAME copyright
-    DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/libktannotationlegacy-dev" COMPONENT development)
+install(FILES
+    "${PROJECT_SOURCE_DIR}/CHANGELOG.md" "${PROJECT_SOURCE_DIR}/LICENSE" "${PROJECT_SOURCE_DIR}/README.md"
+    DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT runtime)

@@ -45,7 +45,7 @@ public:
     struct Warning {
         enum class Kind : std::uint8_t {
             NumberNotFinite,     ///< an item with such a number was left out
-            ColorUnknown,        ///< a colour that is neither a word nor #RRGGBB; the inherited one is drawn
+            ColorUnknown,        ///< a colour that is neither a word nor `#RRGGBB`; the inherited one is drawn
             PictureUnknown,      ///< no PNG, JPEG, GIF or WebP picture
             PictureTooLarge,     ///< larger than 7,400,000 bytes
             PictureWithoutData,  ///< a data URI that ends before its data
