@@ -48,7 +48,7 @@ BELOW = {
     CONSOLE: [ENCODING],
     FILES: [ENCODING, "tools/ktannot"],
     REPORT: [FILES, CONSOLE, "tools/ktannot", ENCODING, *LIBRARY, *PLATFORM],
-    BATCH: [REPORT, FILES, CONSOLE, "tools/ktannot", *LIBRARY, *PLATFORM],
+    BATCH: [REPORT, FILES, CONSOLE, ENCODING, "tools/ktannot", *LIBRARY, *PLATFORM],
     COMMANDS: [*TOOL, *LIBRARY, *PLATFORM],
     "tools/ktannot": [*TOOL, *LIBRARY, *PLATFORM],
 }

@@ -164,7 +164,7 @@ class Interruption(support.ToolTest):
     def test_dumps_hold_all_views_or_are_not_there(self):
         code, _, part = self.stop(signal.SIGINT, "--jobs", "1", "--format", "json")
         self.assertEqual(code, 130)
-        self.assertIn(len(part), [150, 151])  # the document in hand may come to its end
+        self.assertLess(len(part), self.COUNT)
         views = [len(json.loads(dump)["views"]) for dump in self.go_on("--format", "json").values()]
         self.assertEqual(views, [2] * self.COUNT)
 

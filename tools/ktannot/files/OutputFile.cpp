@@ -11,6 +11,7 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <mutex>
 #include <system_error>
@@ -56,6 +57,17 @@ void removeTemporaries(const std::string& folder, const std::function<bool(int p
     }
 }
 
+/// Whether a process has ended, perhaps without anybody having asked how.
+bool isGone(int process) {
+    if (kill(process, 0) != 0) {
+        return errno == ESRCH;
+    }
+    std::string status;
+    std::getline(std::ifstream("/proc/" + std::to_string(process) + "/stat"), status);
+    const std::size_t name = status.rfind(") ");
+    return name != std::string::npos && (status[name + 2] == 'Z' || status[name + 2] == 'X');
+}
+
 /// Removes what killed runs left in a folder, once.
 void clean(const std::string& folder) {
     static std::mutex sMutex;
@@ -66,7 +78,7 @@ void clean(const std::string& folder) {
             return;
         }
     }
-    removeTemporaries(folder, [](int process) { return kill(process, 0) != 0 && errno == ESRCH; });
+    removeTemporaries(folder, isGone);
 }
 
 /// Renames, but not over a file that exists. As rename(), with errno EEXIST then.
