@@ -84,7 +84,7 @@ public:
     /// Whether all numbers of the item itself, not of a group's children, are finite, so that it can be written.
     static bool isWritable(const ItemInterface& item);
 
-    /// Whether a text is a colour that is written: a word, #RGB or #RRGGBB.
+    /// Whether a text is a colour that is written: a word, `#RGB` or `#RRGGBB`.
     static bool isColor(std::string_view text);
 
     /// Begins the file, in the layer above.
