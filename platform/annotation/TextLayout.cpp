@@ -22,11 +22,13 @@ constexpr std::size_t sMaxStyles = 256;
 /// Blocks larger than this cannot be told in single precision any more.
 constexpr double sMaxExtent = 1.0e30;
 
-/// Text of no size is laid out at this one, far below what can be seen: it still takes place, so that it stays in the
-/// drawing, can be found there and does not leave an annotation without a frame.
+/// Text of no size is laid out at this one, far below what can be seen: beside text that has a size it stays in the
+/// drawing and can be found there.
 constexpr float sMinSize = 0.001F;
 
-float getUsableSize(float size) { return std::isfinite(size) && size > sMinSize ? size : sMinSize; }
+bool hasSize(const TextProperties& properties) {
+    return std::isfinite(properties.mFontSize) && properties.mFontSize > 0.0F;
+}
 
 /// Makes the line high enough for text of that font, size and shift.
 void addHeight(const FontMetrics& metrics, double size, double shift, LaidOutLine& line) {
@@ -79,6 +81,13 @@ bool TextLayout::layOut(const TextArea& area) {
         mHeight += line.mAscent + line.mDescent + (index + 1 < mLines.size() ? line.mGap : 0.0);
     }
     return mWidth < sMaxExtent && mHeight < sMaxExtent;
+}
+
+bool TextLayout::hasExtent() const {
+    return mHeight > 0.0 && std::ranges::any_of(mRuns, [](const LaidOutRun& run) {
+               const bool isSeen = run.mExtent.mAdvance > 0.0 || run.mExtent.mInkRight > run.mExtent.mInkLeft;
+               return isSeen && hasSize(*run.mProperties);
+           });
 }
 
 bool TextLayout::layOutLine(const TextArea& area, const TextArea::Line& line) {
@@ -204,14 +213,31 @@ void TextLayout::placeRuns(LaidOutLine& line) {
         for (LaidOutRun& run : runs) {
             placeRun(run, line);
         }
-        return;
+    } else {
+        mOrder.resize(line.mRunCount);
+        std::iota(mOrder.begin(), mOrder.end(), line.mFirstRun);
+        reorder(mRuns, mOrder);
+        for (const std::size_t index : mOrder) {
+            placeRun(mRuns[index], line);
+        }
     }
-    mOrder.resize(line.mRunCount);
-    std::iota(mOrder.begin(), mOrder.end(), line.mFirstRun);
-    reorder(mRuns, mOrder);
-    for (const std::size_t index : mOrder) {
-        placeRun(mRuns[index], line);
+    if (line.mWidth <= 0.0) {
+        widenToInk(runs, line);
     }
+}
+
+/// Marks without a base letter do not advance; they take the place of their ink.
+void TextLayout::widenToInk(std::span<LaidOutRun> runs, LaidOutLine& line) {
+    double left = 0.0;
+    double right = 0.0;
+    for (const LaidOutRun& run : runs) {
+        left = std::min(left, run.mExtent.mInkLeft * static_cast<double>(run.mSize));
+        right = std::max(right, run.mExtent.mInkRight * static_cast<double>(run.mSize));
+    }
+    for (LaidOutRun& run : runs) {
+        run.mX -= left;
+    }
+    line.mWidth = right - left;
 }
 
 void TextLayout::placeRun(LaidOutRun& run, LaidOutLine& line) {
@@ -227,7 +253,7 @@ TextLayout::SegmentStyle TextLayout::makeStyle(const TextArea& area, const TextS
     style.mHasOwnProperties = segment != nullptr && segment->getProperties().has_value();
     style.mProperties = style.mHasOwnProperties ? &*segment->getProperties() : &area.mDefaultProperties;
     style.mFonts = style.mHasOwnProperties ? &findFonts(*style.mProperties) : mDefaultFonts;
-    style.mSize = getUsableSize(style.mProperties->mFontSize);
+    style.mSize = hasSize(*style.mProperties) ? std::max(style.mProperties->mFontSize, sMinSize) : sMinSize;
     const Font* font = style.mFonts->getMainFont();
     if (segment == nullptr || segment->getType() == TextSegment::Normal || font == nullptr) {
         return style;

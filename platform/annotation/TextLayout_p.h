@@ -11,6 +11,7 @@
 #include "platform/annotation/TextArea.h"
 
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -56,6 +57,8 @@ public:
     const std::vector<LaidOutLine>& getLines() const { return mLines; }
     /// Runs of all lines, in logical order within a line.
     std::vector<LaidOutRun>& editRuns() { return mRuns; }
+    /// Whether anything of the block can be seen: text of no size cannot.
+    bool hasExtent() const;
     double getWidth() const { return mWidth; }
     double getHeight() const { return mHeight; }
 
@@ -74,6 +77,7 @@ private:
     void layOutDirectionRun(const SegmentStyle& style, std::size_t start, std::size_t length);
     void shapePieces(StyleFonts& fonts, std::size_t start, std::size_t length, LaidOutRun& run);
     void placeRuns(LaidOutLine& line);
+    static void widenToInk(std::span<LaidOutRun> runs, LaidOutLine& line);
     /// Puts the run at the end of the line.
     static void placeRun(LaidOutRun& run, LaidOutLine& line);
     SegmentStyle makeStyle(const TextArea& area, const TextSegment* segment);

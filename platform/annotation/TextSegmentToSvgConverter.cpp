@@ -75,7 +75,7 @@ bool TextSegmentToSvgConverter::convertTextAreaToSvg(const TextArea& area, svg::
     if (!layout.layOut(area)) {
         return false;
     }
-    const bool hasExtent = layout.getWidth() > 0.0 && layout.getHeight() > 0.0;
+    const bool hasExtent = layout.hasExtent();
     if (size != nullptr) {
         *size = hasExtent
                     ? Wm4::Vector2<float>(static_cast<float>(layout.getWidth()), static_cast<float>(layout.getHeight()))

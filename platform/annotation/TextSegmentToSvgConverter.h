@@ -42,8 +42,8 @@ public:
     /// @param size           receives the block's width and height when not null.
     /// @param boundingBoxId  id of the invisible rectangle; null: no rectangle.
     /// @return false when the text could not be laid out; target is unchanged then. A block without extent is no
-    /// failure:
-    ///         it adds nothing.
+    ///         failure: it adds nothing. So is text of a size that is not above 0; beside other text it is kept, too
+    ///         small to be seen. Marks without a base letter have the extent of their ink.
     bool convertTextAreaToSvg(const TextArea& area, svg::Node& target, Wm4::Vector2<float>* size,
                               const char* boundingBoxId) const;
 

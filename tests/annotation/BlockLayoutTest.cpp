@@ -146,14 +146,33 @@ TEST(BlockLayout, AddsNothingWithoutExtent) {
     }
 }
 
-TEST(BlockLayout, KeepsTextOfNoUsableSize) {
+TEST(BlockLayout, ShowsTextOfNoSizeBesideOtherTextOnly) {
+    const TextProperties usual = makeProperties("Arial", 3.0F);
     for (const float size :
          {0.0F, -3.0F, std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity()}) {
-        const LaidOutText block(makeProperties("Arial", size), "kept");
-        ASSERT_EQ(block.mTexts.size(), 1U) << size;
-        EXPECT_EQ(block.mTexts[0]->getText(), "kept");
+        const TextProperties none = makeProperties("Arial", size);
+        const LaidOutText alone(none, "no size");
+        EXPECT_TRUE(alone.mIsDone);
+        EXPECT_TRUE(alone.mGroup.getChildren().empty()) << size;
+        EXPECT_EQ(alone.mSize, Wm4::Vector2<float>(0.0F, 0.0F));
+
+        const LaidOutText mixed(
+            TextArea{none, {{makeSegment("kept"), makeSegment("seen", TextSegment::Normal, &usual)}}});
+        ASSERT_EQ(mixed.mTexts.size(), 2U) << size;
+        EXPECT_EQ(mixed.mTexts[0]->getText(), "kept");
+        EXPECT_LT(mixed.mTexts[0]->getLength(), 0.01F);
+        EXPECT_GT(mixed.mSize.x, mixed.mTexts[1]->getLength());
+    }
+}
+
+TEST(BlockLayout, GivesMarksWithoutALetterTheExtentOfTheirInk) {
+    for (const char* marks : {"\u0301", "\u0323\u0302"}) {
+        const LaidOutText block(makeProperties("DejaVu Sans", 10.0F), marks);
+        ASSERT_EQ(block.mTexts.size(), 1U) << marks;
+        const svg::Text& text = *block.mTexts[0];
         EXPECT_GT(block.mSize.x, 0.0F);
-        EXPECT_LT(block.mSize.x, 0.01F);
+        EXPECT_NEAR(text.getPosition().x + text.getExtent().getMinPoint().x, 0.0F, sTolerance);
+        EXPECT_NEAR(text.getPosition().x + text.getExtent().getMaxPoint().x, block.mSize.x, sTolerance);
     }
 }
 
