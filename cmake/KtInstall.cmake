@@ -28,6 +28,7 @@ if(KT_PLATFORM STREQUAL "bundled")
     kt_install_package(ktPlatform ktPlatformTargets)
 endif()
 kt_install_package(ktAnnotationLegacy ktAnnotationLegacyTargets)
+kt_install_package(ktLegacyDocument ktLegacyDocumentTargets)
 
 if(KT_BUILD_TOOLS)
     set(completions "${PROJECT_SOURCE_DIR}/tools/ktannot/completions")

@@ -1,8 +1,8 @@
 /// @file
-/// Whole binary documents, as the tool reads them. Contract: nothing worse than a refusal or reported problems.
+/// Whole binary documents, as the front door reads them. Contract: nothing worse than a refusal or reported problems.
 
+#include "document/ktLegacyDocument.h"
 #include "library/ktAnnotationLegacyLibrary.h"
-#include "tools/ktannot/LegacyDocument.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -24,6 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (std::size_t index = 0; index < sizeof(sMagic) && index < size; ++index) {
         document[index] = static_cast<std::uint8_t>(sMagic[index]);
     }
-    ktannot::LegacyDocument::load("fuzz", std::as_bytes(std::span(document)), sMemoryLimit);
+    ktLegacy::ktLegacyDocument::read(std::as_bytes(std::span(document)),
+                                     {.mMemoryLimit = sMemoryLimit, .mIsMapped = false});
     return 0;
 }

@@ -1,11 +1,11 @@
 /// @file
-/// Variant documents, as the tool reads them: JSON text to views. Contract: nothing worse than a refusal or messages,
-/// and the views are those that the variants of the whole document give.
+/// Variant documents, as the front door reads them: JSON text to views. Contract: nothing worse than a refusal or
+/// messages, and the views are those that the variants of the whole document give.
 
+#include "document/ktLegacyDocument.h"
 #include "legacy/variant/ktVariantDocumentReader.h"
 #include "library/ktAnnotationLegacyLibrary.h"
 #include "platform/system/variant/ktVariantListImpl.h"
-#include "tools/ktannot/LegacyDocument.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -26,7 +26,7 @@ bool isSame(const Reader::View& view, const kt::ktVariant& map) {
     std::vector<std::string> messages;
     const auto other = ktLegacy::ktAnnotationView::FromVariantMap(map.toMap(), messages);
     return !view.mView == !other && countAnnotations(view.mView) == countAnnotations(other) &&
-           view.mMessages == messages;
+           view.getMessages() == messages;
 }
 
 bool areSame(const std::vector<Reader::View>& views, const kt::ktVariant& document) {
@@ -50,7 +50,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::span<const std::byte> text = std::as_bytes(std::span(data, size));
-    ktannot::LegacyDocument::load("fuzz", text);
+    ktLegacy::ktLegacyDocument::read(text);
     std::vector<Reader::View> views;
     kt::ktVariant document;
     kt::ktJsonError error;

@@ -2,11 +2,10 @@
 /// From the bytes of a document of either kind to its drawings and dumps. Contract: nothing worse than refused views,
 /// and every drawing is well-formed XML.
 
+#include "document/ktLegacyDocument.h"
+#include "document/ktViewDrawing.h"
 #include "library/ktAnnotationLegacyLibrary.h"
-#include "migration/ktAnnotationMigration.h"
-#include "platform/annotation/ktCadViewSvgWriter.h"
 #include "platform/system/log/ktLog.h"
-#include "tools/ktannot/LegacyDocument.h"
 #include "tools/ktannot/report/CadJson.h"
 #include "tools/ktannot/report/JsonWriter.h"
 
@@ -26,12 +25,6 @@ public:
     void log(const kt::ktLogEntry&) noexcept override {}
 };
 
-bool provideRaster(const std::string& rasterName, std::string& rasterData, void*) {
-    // The name doubles as the picture, so that the input decides about it.
-    rasterData = rasterName;
-    return true;
-}
-
 bool isWellFormed(const std::string& text) {
     XML_Parser parser = XML_ParserCreate("UTF-8");
     const XML_Status status = XML_Parse(parser, text.data(), static_cast<int>(text.size()), 1);
@@ -39,20 +32,32 @@ bool isWellFormed(const std::string& text) {
     return status == XML_STATUS_OK;
 }
 
-void writeDrawings(const kt::ktCadAnnotationView& view) {
-    using TextMode = kt::svg::SvgWriter::TextMode;
-    for (const TextMode mode : {TextMode::Text, TextMode::Outlines}) {
-        kt::ktCadViewSvgWriter::Options options;
-        options.mTextMode = mode;
-        std::string file;
-        kt::ktCadViewSvgWriter(options).write(view, file);
-        if (!isWellFormed(file)) {
-            std::abort();
-        }
+using ktLegacy::ktViewDrawing;
+
+ktViewDrawing makeDrawing(kt::svg::SvgWriter::TextMode mode) {
+    ktViewDrawing::Options options;
+    options.mAccepted =
+        ktViewDrawing::AcceptViewMetadata | ktViewDrawing::AcceptKnownMetadata | ktViewDrawing::AcceptOtherMetadata;
+    options.mWriter.mTextMode = mode;
+    // The name doubles as the picture, so that the input decides about it.
+    return ktViewDrawing(options, [](const std::string& name, std::string& data) {
+        data = name;
+        return true;
+    });
+}
+
+void expectWellFormed(ktViewDrawing& drawing, const ktLegacy::ktAnnotationView& view) {
+    if (drawing.draw(view) && !isWellFormed(drawing.getSvg())) {
+        std::abort();
     }
-    ktannot::TextOutput dump;
-    ktannot::JsonWriter json(dump);
-    ktannot::writeCadViewJson(json, &view);
+}
+
+void dump(ktViewDrawing& drawing, const ktLegacy::ktAnnotationView& view) {
+    if (const auto migrated = drawing.migrate(view)) {
+        ktannot::TextOutput text;
+        ktannot::JsonWriter json(text);
+        ktannot::writeCadViewJson(json, migrated.get());
+    }
 }
 
 }  // namespace
@@ -66,16 +71,18 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    constexpr int acceptAll = 7;
-    constexpr float headSize = 3.0F;
     // Far less than documents may take, so that runs with claims of memory stay short; sound inputs need less still.
     constexpr std::uint64_t memoryLimit = 1U << 20U;
-    static ktLegacy::ktAnnotationMigration sMigration(acceptAll, provideRaster, nullptr, headSize);
-    const auto document = ktannot::LegacyDocument::load("fuzz", std::as_bytes(std::span(data, size)), memoryLimit);
-    for (const ktannot::LegacyDocument::View& view : document.getViews()) {
-        kt::ktPointer<kt::ktCadAnnotationView> migrated;
-        if (sMigration.migrateAnnotationView(view.mView, migrated)) {
-            writeDrawings(*migrated);
+    using TextMode = kt::svg::SvgWriter::TextMode;
+    static ktViewDrawing sText = makeDrawing(TextMode::Text);
+    static ktViewDrawing sOutlines = makeDrawing(TextMode::Outlines);
+    const auto document = ktLegacy::ktLegacyDocument::read(std::as_bytes(std::span(data, size)),
+                                                           {.mMemoryLimit = memoryLimit, .mIsMapped = false});
+    for (const ktLegacy::ktLegacyDocument::View& view : document.getViews()) {
+        if (view.mView != nullptr) {
+            expectWellFormed(sText, *view.mView);
+            expectWellFormed(sOutlines, *view.mView);
+            dump(sText, *view.mView);
         }
     }
     return 0;

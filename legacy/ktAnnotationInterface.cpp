@@ -4,6 +4,8 @@
 #include "legacy/ktAnnotationText.h"
 #include "legacy/ktLegacyVersions.h"
 #include "legacy/stream/StreamReading_p.h"
+#include "legacy/variant/ColorReading_p.h"
+#include "legacy/variant/MapReport_p.h"
 #include "legacy/variant/VariantReading_p.h"
 #include "platform/system/memory/ktLimits.h"
 #include "platform/system/object/ktInstanceMetaData.h"
@@ -108,75 +110,17 @@ Wm4::Vector3<float> getDirection(const Wm4::Vector3<float>& vector) {
     return vector * (1.0F / length);
 }
 
-/// Levels of nested annotations that the variant loader of this thread is in. It bounds the loader's recursion.
-thread_local int sVariantLevel = 0;
-
-/// Holds one level for its lifetime.
-class VariantLevel {
-public:
-    VariantLevel() { ++sVariantLevel; }
-    VariantLevel(const VariantLevel&) = delete;
-    VariantLevel& operator=(const VariantLevel&) = delete;
-    ~VariantLevel() { --sVariantLevel; }
-};
-
-/// The value of a hexadecimal digit, 16 for any other character.
-unsigned int getHexDigit(char character) {
-    if (character >= '0' && character <= '9') {
-        return static_cast<unsigned int>(character - '0');
-    }
-    const char lower = static_cast<char>(character | 0x20);
-    return lower >= 'a' && lower <= 'f' ? static_cast<unsigned int>(lower - 'a') + 10 : 16;
-}
-
-/// Parses like strtol with base 16 in the "C" locale: blanks, a sign and "0x" may come first, and the first character
-/// that is no digit ends the number. Negative numbers come out in two's complement.
-std::uint32_t parseHexNumber(std::string_view text) {
-    constexpr std::string_view blanks = " \t\n\v\f\r";
-    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
-    const bool isNegative = text.starts_with('-');
-    if (isNegative || text.starts_with('+')) {
-        text.remove_prefix(1);
-    }
-    if (text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X') && getHexDigit(text[2]) < 16) {
-        text.remove_prefix(2);
-    }
-    std::uint32_t number = 0;
-    for (const char character : text) {
-        const unsigned int digit = getHexDigit(character);
-        if (digit == 16) {
-            break;
-        }
-        number = number * 16 + digit;
-    }
-    return isNegative ? 0 - number : number;
-}
-
-/// Sets a colour from its text; an empty text keeps the colour. False when the text is no colour.
-bool readColor(std::string_view text, Wm4::Vector3<unsigned char>& color) {
-    if (text.empty()) {
-        return true;
-    }
-    const std::uint32_t number = text.size() == 6 ? parseHexNumber(text) : 0;
-    if (number == 0 && text != "000000") {
-        return false;
-    }
-    color = {static_cast<unsigned char>((number >> 16) & 0xFF), static_cast<unsigned char>((number >> 8) & 0xFF),
-             static_cast<unsigned char>(number & 0xFF)};
-    return true;
-}
-
-/// Replaces a list of values by the acceptable ones of a variant list; each other one gives a message.
+/// Replaces a list of values by the acceptable ones of a variant list; each other one is told.
 template <typename Element>
 void loadElements(const kt::ktVariant* value, const kt::ktStreamVersion& version, std::vector<Element>& elements,
-                  const char* fieldMessage, const char* contentMessage, std::vector<std::string>& errors) {
+                  ktFindingCode fieldFinding, ktFindingCode contentFinding, reading::MapReport& report) {
     elements.clear();
     if (value == nullptr) {
         return;
     }
     const reading::VariantList* list = value->getList();
     if (list == nullptr) {
-        errors.emplace_back(fieldMessage);
+        report.tell(fieldFinding);
         return;
     }
     elements.reserve(list->size());
@@ -185,7 +129,7 @@ void loadElements(const kt::ktVariant* value, const kt::ktStreamVersion& version
         if (element.loadFromVariant(item, version)) {
             elements.push_back(element);
         } else {
-            errors.emplace_back(contentMessage);
+            report.tell(contentFinding);
         }
     }
 }
@@ -494,7 +438,7 @@ bool ktAnnotationInterface::loadSubAnnots(kt::ktBaseStream& stream) {
         }
         entry.mAnnotation = createCharged(stream, type);
         if (entry.mAnnotation == nullptr) {
-            stream.setStreamError();
+            stream.setStreamError(kt::ktStreamFault::UnknownChildType);
             return false;
         }
         entry.mAnnotation->load(stream);
@@ -537,24 +481,30 @@ bool ktAnnotationInterface::MeasureLeader::loadFromVariant(const kt::ktVariant& 
 
 bool ktAnnotationInterface::loadFromVariant(const kt::ktVariant::ktVariantMapImpl& map,
                                             const kt::ktStreamVersion& version, std::vector<std::string>& errors) {
+    reading::MapReport report(errors);
+    return loadBaseFromMap(map, version, report);
+}
+
+bool ktAnnotationInterface::loadBaseFromMap(const kt::ktVariant::ktVariantMapImpl& map, kt::ktStreamVersion version,
+                                            reading::MapReport& report) {
     if (version < version::s6_17) {
-        errors.emplace_back("invalid version for annotation interface");
+        report.tell(ktFindingCode::InvalidInterfaceVersion);
         return false;
     }
     const auto values = reading::findKeys(map, sKeys);
 
     SetName(std::string(reading::VariantText(values[KeyName]).get()));
-    if (!readColor(reading::VariantText(values[KeyColor]).get(), mColor)) {
-        errors.emplace_back("invalid 'color' field");
+    if (!reading::readColor(reading::VariantText(values[KeyColor]).get(), mColor)) {
+        report.tell(ktFindingCode::InvalidColor);
     }
     if (values[KeyPosition] != nullptr && !reading::readVector(values[KeyPosition], mPosition)) {
-        errors.emplace_back("invalid 'position' field");
+        report.tell(ktFindingCode::InvalidPosition);
         return false;
     }
-    loadElements(values[KeyLeaders], version, mLeaders, "invalid 'leaders' field", "invalid 'leaders' field content",
-                 errors);
-    loadElements(values[KeyMeasures], version, mMeasureLeaders, "invalid 'measures' field",
-                 "invalid 'measures' field content", errors);
+    loadElements(values[KeyLeaders], version, mLeaders, ktFindingCode::InvalidLeaders,
+                 ktFindingCode::InvalidLeadersContent, report);
+    loadElements(values[KeyMeasures], version, mMeasureLeaders, ktFindingCode::InvalidMeasures,
+                 ktFindingCode::InvalidMeasuresContent, report);
     setFlags(0);
     mIsFrameLocked = reading::readSwitch(values[KeyIsFrameLocked]);
     mIsScaleLocked = reading::readSwitch(values[KeyIsScaleLocked]);
@@ -563,7 +513,7 @@ bool ktAnnotationInterface::loadFromVariant(const kt::ktVariant::ktVariantMapImp
 
     if (version >= version::s6_22) {
         const kt::ktVariant* children = values[KeyChildren] != nullptr ? values[KeyChildren] : values[KeyChilds];
-        if (!loadSubAnnotsFromVariant(children, version, errors)) {
+        if (!loadSubAnnotsFromMaps(children, version, report)) {
             return false;
         }
         const reading::VariantMap* metadata = values[KeyMetadata] != nullptr ? values[KeyMetadata]->getMap() : nullptr;
@@ -576,45 +526,82 @@ bool ktAnnotationInterface::loadFromVariant(const kt::ktVariant::ktVariantMapImp
     return true;
 }
 
-bool ktAnnotationInterface::loadSubAnnotsFromVariant(const kt::ktVariant* value, const kt::ktStreamVersion& version,
-                                                     std::vector<std::string>& errors) {
+bool ktAnnotationInterface::loadSubAnnotsFromMaps(const kt::ktVariant* value, kt::ktStreamVersion version,
+                                                  reading::MapReport& report) {
     const reading::VariantList* children = reading::getList(value);
-    if (children == nullptr) {
+    if (children == nullptr || children->empty()) {
         return true;
     }
-    const VariantLevel ownLevel;
+    reading::MapReport::NestedList nested(report, children->size());
+    std::uint32_t index = 0;
     for (const kt::ktVariant& child : *children) {
+        nested.enterEntry(index++);
         const reading::VariantMap* map = child.getMap();
         if (map == nullptr) {
+            report.tell(ktFindingCode::NestedEntryIsNoMap);
             return false;
         }
-        static constexpr auto keys = reading::makeKeys("anchorloc", "type");
-        const auto [anchor, typeValue] = reading::findKeys(*map, keys);
-        const reading::VariantText type(typeValue);
-        const bool isText = type.get() == "text";
-        if (!isText && type.get() != "raster") {
-            errors.emplace_back("invalid annotation type");
+        kt::ktPointer<ktAnnotationInterface> annotation =
+            loadSubAnnotFromMap(*map, version, nested.isTooDeep(), report);
+        if (annotation == nullptr) {
+            report.loseEntry();
             continue;
         }
-        // A child that is too deep is dropped as one that cannot be read.
-        if (sVariantLevel >= kt::sMaxAnnotationDepth) {
-            continue;
-        }
-        kt::ktPointer<ktAnnotationInterface> annotation;
-        if (isText) {
-            annotation = new ktAnnotationText;
-        } else {
-            annotation = new ktAnnotationRaster;
-        }
-        if (!annotation->loadFromVariant(*map, version, errors)) {
-            continue;
-        }
+        static constexpr auto keys = reading::makeKeys("anchorloc");
+        const auto [anchor] = reading::findKeys(*map, keys);
         SubAnnot& entry = editSubAnnots().emplace_back();
         entry.mAnnotation = std::move(annotation);
         entry.mAnchorLocation =
             reading::readWord(reading::VariantText(anchor).get(), sAnchorWords, SubAnnot::AnchorNone);
     }
     return true;
+}
+
+kt::ktPointer<ktAnnotationInterface> ktAnnotationInterface::loadSubAnnotFromMap(
+    const kt::ktVariant::ktVariantMapImpl& map, kt::ktStreamVersion version, bool isTooDeep,
+    reading::MapReport& report) {
+    const Type type = readTypeFromMap(map);
+    if (type == Undefined) {
+        report.tell(ktFindingCode::InvalidAnnotationType);
+        return {};
+    }
+    if (isTooDeep) {
+        report.tell(ktFindingCode::VariantNestedTooDeep);
+        return {};
+    }
+    return createFromMap(type, map, version, report);
+}
+
+ktAnnotationInterface::Type ktAnnotationInterface::readTypeFromMap(const kt::ktVariant::ktVariantMapImpl& map) {
+    static constexpr std::array<Word<Type>, 2> sTypeWords{{{"text", Text}, {"raster", Raster}}};
+    static constexpr auto keys = reading::makeKeys("type");
+    const auto [type] = reading::findKeys(map, keys);
+    return reading::readWord(reading::VariantText(type).get(), sTypeWords, Undefined);
+}
+
+kt::ktPointer<ktAnnotationInterface> ktAnnotationInterface::createFromMap(Type type,
+                                                                          const kt::ktVariant::ktVariantMapImpl& map,
+                                                                          kt::ktStreamVersion version,
+                                                                          reading::MapReport& report) {
+    const reading::NestedCount countBefore = report.getNestedCount();
+    bool isUsable = false;
+    kt::ktPointer<ktAnnotationInterface> annotation;
+    if (type == Text) {
+        auto* text = new ktAnnotationText;
+        annotation = text;
+        const reading::MapReport::Named named(report, text->mName);
+        isUsable = text->loadFromMap(map, version, report);
+    } else {
+        auto* raster = new ktAnnotationRaster;
+        annotation = raster;
+        const reading::MapReport::Named named(report, raster->mName);
+        isUsable = raster->loadFromMap(map, version, report);
+    }
+    if (!isUsable) {
+        report.resetNestedCount(countBefore);
+        annotation.reset();
+    }
+    return annotation;
 }
 
 }  // namespace ktLegacy

@@ -19,6 +19,10 @@
 
 namespace ktLegacy {
 
+namespace reading {
+class MapReport;
+}
+
 /// A note at a point of a view's plane: colour, name, frame, leaders that point from the note to places in the model,
 /// measure leaders that dimension the distance between two points, free-form metadata, and a tree of child annotations
 /// anchored to its sides. Concrete annotations are ktAnnotationText and ktAnnotationRaster.
@@ -183,6 +187,12 @@ public:
     std::uint8_t getFlags() const;
     void setFlags(std::uint8_t flags);
 
+    /// The kind that the "type" of an annotation's map names; Undefined for every word that names none.
+    static Type readTypeFromMap(const kt::ktVariant::ktVariantMapImpl& map);
+    /// Creates an annotation of that kind (Text or Raster) from its map; null when it must not be used.
+    static kt::ktPointer<ktAnnotationInterface> createFromMap(Type type, const kt::ktVariant::ktVariantMapImpl& map,
+                                                              kt::ktStreamVersion version, reading::MapReport& report);
+
     /// Creates the shared empty list; part of the library's initialisation.
     static void InitDummySubAnnots();
     /// Destroys the shared empty list; part of the library's termination.
@@ -222,6 +232,10 @@ protected:
     /// Exchanges everything but the kind.
     void swapContent(ktAnnotationInterface& other) noexcept;
 
+    /// Does the work of loadFromVariant().
+    bool loadBaseFromMap(const kt::ktVariant::ktVariantMapImpl& map, kt::ktStreamVersion version,
+                         reading::MapReport& report);
+
     /// Reads the leader list of a record.
     void loadLeaders(kt::ktBaseStream& stream);
     /// Reads position, colour and flags of a record.
@@ -233,8 +247,12 @@ private:
 
     void loadMeasureLeaders(kt::ktBaseStream& stream);
     bool loadSubAnnots(kt::ktBaseStream& stream);
-    bool loadSubAnnotsFromVariant(const kt::ktVariant* value, const kt::ktStreamVersion& version,
-                                  std::vector<std::string>& errors);
+    /// Reads the value of the children's key, if it is a list; false when an entry is no map.
+    bool loadSubAnnotsFromMaps(const kt::ktVariant* value, kt::ktStreamVersion version, reading::MapReport& report);
+    /// Null when the entry does not become an annotation.
+    static kt::ktPointer<ktAnnotationInterface> loadSubAnnotFromMap(const kt::ktVariant::ktVariantMapImpl& map,
+                                                                    kt::ktStreamVersion version, bool isTooDeep,
+                                                                    reading::MapReport& report);
 };
 
 }  // namespace ktLegacy

@@ -2,6 +2,7 @@
 
 #include "legacy/ktLegacyVersions.h"
 #include "legacy/stream/StreamReading_p.h"
+#include "legacy/variant/MapReport_p.h"
 #include "legacy/variant/VariantReading_p.h"
 #include "platform/system/stream/ktBaseStream.h"
 
@@ -32,7 +33,7 @@ ktAnnotationRaster::~ktAnnotationRaster() = default;
 
 void ktAnnotationRaster::load(kt::ktBaseStream& stream) {
     if (stream.GetVersion() < version::s6_15) {
-        stream.setStreamError();
+        stream.setStreamError(kt::ktStreamFault::UnsupportedVersion);
         return;
     }
     ktAnnotationInterface::load(stream);
@@ -44,12 +45,18 @@ void ktAnnotationRaster::load(kt::ktBaseStream& stream) {
 
 bool ktAnnotationRaster::loadFromVariant(const kt::ktVariant::ktVariantMapImpl& map, const kt::ktStreamVersion& version,
                                          std::vector<std::string>& errors) {
-    if (!ktAnnotationInterface::loadFromVariant(map, version, errors)) {
+    reading::MapReport report(errors);
+    return loadFromMap(map, version, report);
+}
+
+bool ktAnnotationRaster::loadFromMap(const kt::ktVariant::ktVariantMapImpl& map, kt::ktStreamVersion version,
+                                     reading::MapReport& report) {
+    if (!loadBaseFromMap(map, version, report)) {
         return false;
     }
     if (version < version::s6_17) {
-        errors.emplace_back(
-            "invalid version for text annotation");  // "text" is intended: readers of messages know this one
+        // "text" is intended: readers of messages know this one.
+        report.tell(ktFindingCode::InvalidTextVersion);
         return false;
     }
     static constexpr auto keys = reading::makeKeys("rastername", "sizeem");
@@ -57,11 +64,11 @@ bool ktAnnotationRaster::loadFromVariant(const kt::ktVariant::ktVariantMapImpl& 
     if (size != nullptr) {
         const reading::VariantList* list = size->getList();
         if (list == nullptr) {
-            errors.emplace_back("invalid 'sizeem' field");
+            report.tell(ktFindingCode::InvalidSize);
             return false;
         }
         if (list->size() != 2) {
-            errors.emplace_back("invalid 'sizeem' length");
+            report.tell(ktFindingCode::InvalidSizeLength);
             return false;
         }
         mSizeEm = {reading::toFloat((*list)[0]), reading::toFloat((*list)[1])};

@@ -28,6 +28,9 @@ public:
 private:
     friend class ktAnnotationInterface;
     ktAnnotationRaster(const ktAnnotationRaster& other, WithoutChildren);
+
+    bool loadFromMap(const kt::ktVariant::ktVariantMapImpl& map, kt::ktStreamVersion version,
+                     reading::MapReport& report);
 };
 
 }  // namespace ktLegacy

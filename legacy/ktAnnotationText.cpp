@@ -2,6 +2,7 @@
 
 #include "legacy/ktLegacyVersions.h"
 #include "legacy/stream/StreamReading_p.h"
+#include "legacy/variant/MapReport_p.h"
 #include "legacy/variant/VariantReading_p.h"
 #include "platform/system/stream/ktBaseStream.h"
 
@@ -82,6 +83,21 @@ private:
     std::uint16_t mHeight;
     std::uint8_t mStyle;
 };
+
+void tellCutText(std::size_t size, reading::MapReport& report) {
+    if (size > sMaxSegmentLength) {
+        report.tell(ktFindingCode::TextCut, std::to_string(size));
+    }
+}
+
+/// Tells of the lines of a plain text that are too long for a segment.
+void tellCutPieces(std::string_view text, reading::MapReport& report) {
+    while (text.size() > sMaxSegmentLength) {
+        const std::size_t end = std::min(text.find_first_of("\r\n"), text.size());
+        tellCutText(end, report);
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+}
 
 /// Removes what is empty at the edges of a sequence.
 template <typename Sequence, typename IsEmpty>
@@ -411,11 +427,17 @@ void ktAnnotationText::loadLines(kt::ktBaseStream& stream) {
 
 bool ktAnnotationText::loadFromVariant(const kt::ktVariant::ktVariantMapImpl& map, const kt::ktStreamVersion& version,
                                        std::vector<std::string>& errors) {
-    if (!ktAnnotationInterface::loadFromVariant(map, version, errors)) {
+    reading::MapReport report(errors);
+    return loadFromMap(map, version, report);
+}
+
+bool ktAnnotationText::loadFromMap(const kt::ktVariant::ktVariantMapImpl& map, kt::ktStreamVersion version,
+                                   reading::MapReport& report) {
+    if (!loadBaseFromMap(map, version, report)) {
         return false;
     }
     if (version < version::s6_17) {
-        errors.emplace_back("invalid version for text annotation");
+        report.tell(ktFindingCode::InvalidTextVersion);
         return false;
     }
     static constexpr auto keys = reading::makeKeys("defaulttextprop", "lines", "text");
@@ -425,26 +447,27 @@ bool ktAnnotationText::loadFromVariant(const kt::ktVariant::ktVariantMapImpl& ma
         if (properties != nullptr) {
             mDefaultTextProperties.loadFromVariant(*properties, version);
         } else {
-            errors.emplace_back("invalid 'defaulttextprop' field");
+            report.tell(ktFindingCode::InvalidDefaultTextProperties);
         }
     }
     if (const reading::VariantList* list = reading::getList(lines); list != nullptr) {
-        loadLinesFromVariant(*list, errors);
+        loadLinesFromLists(*list, report);
     } else {
-        setPlainText(reading::VariantText(text).get());
+        const reading::VariantText content(text);
+        setPlainText(content.get());
+        tellCutPieces(content.get(), report);
     }
     return true;
 }
 
-void ktAnnotationText::loadLinesFromVariant(const kt::ktVariant::ktVariantListImpl& lines,
-                                            std::vector<std::string>& errors) {
+void ktAnnotationText::loadLinesFromLists(const kt::ktVariant::ktVariantListImpl& lines, reading::MapReport& report) {
     const bool areDefaultsStable =
         toStoredHeight(mDefaultTextProperties.getHeightEm()) == mDefaultTextProperties.mHeight;
     mLines.reserve(mLines.size() + lines.size());
     for (const kt::ktVariant& item : lines) {
         const reading::VariantList* segments = item.getList();
         if (segments == nullptr) {
-            errors.emplace_back("invalid line");
+            report.tell(ktFindingCode::InvalidLine);
             continue;
         }
         Line& line = mLines.emplace_back();
@@ -452,19 +475,21 @@ void ktAnnotationText::loadLinesFromVariant(const kt::ktVariant::ktVariantListIm
         for (const kt::ktVariant& segment : *segments) {
             const reading::VariantMap* map = segment.getMap();
             if (map != nullptr) {
-                loadSegmentFromVariant(*map, areDefaultsStable, line.emplace_back());
+                loadSegmentFromMap(*map, areDefaultsStable, line.emplace_back(), report);
             } else {
-                errors.emplace_back("invalid segment");
+                report.tell(ktFindingCode::InvalidSegment);
             }
         }
     }
 }
 
-void ktAnnotationText::loadSegmentFromVariant(const kt::ktVariant::ktVariantMapImpl& map, bool areDefaultsStable,
-                                              TextSegment& segment) const {
+void ktAnnotationText::loadSegmentFromMap(const kt::ktVariant::ktVariantMapImpl& map, bool areDefaultsStable,
+                                          TextSegment& segment, reading::MapReport& report) const {
     static constexpr auto keys = reading::makeKeys("bold", "font", "heightem", "italic", "text", "type");
     const auto [bold, font, height, italic, text, type] = reading::findKeys(map, keys);
-    segment.assignText(reading::VariantText(text).get());
+    const reading::VariantText content(text);
+    segment.assignText(content.get());
+    tellCutText(content.get().size(), report);
     const bool hasPropertyKeys = bold != nullptr || font != nullptr || height != nullptr || italic != nullptr;
     if (hasPropertyKeys || !areDefaultsStable) {
         const DerivedProperties properties(mDefaultTextProperties, {height, bold, italic, font});

@@ -156,11 +156,13 @@ private:
 
     void loadPrior_6_15(kt::ktBaseStream& stream);
     void loadLines(kt::ktBaseStream& stream);
-    void loadLinesFromVariant(const kt::ktVariant::ktVariantListImpl& lines, std::vector<std::string>& errors);
+    bool loadFromMap(const kt::ktVariant::ktVariantMapImpl& map, kt::ktStreamVersion version,
+                     reading::MapReport& report);
+    void loadLinesFromLists(const kt::ktVariant::ktVariantListImpl& lines, reading::MapReport& report);
     /// @param areDefaultsStable  the default height survives its conversion, so that a map without property keys cannot
     ///                           differ from the defaults.
-    void loadSegmentFromVariant(const kt::ktVariant::ktVariantMapImpl& map, bool areDefaultsStable,
-                                TextSegment& segment) const;
+    void loadSegmentFromMap(const kt::ktVariant::ktVariantMapImpl& map, bool areDefaultsStable, TextSegment& segment,
+                            reading::MapReport& report) const;
     void setPlainText(std::string_view text);
 };
 

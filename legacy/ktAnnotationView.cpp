@@ -113,7 +113,7 @@ void ktAnnotationView::getPlaneTransform(kt::ktGenericTransformation<float>& out
 void ktAnnotationView::Load(kt::ktBaseStream& stream) {
     const kt::ktStreamVersion version = stream.GetVersion();
     if (version < version::s6_13) {
-        stream.setStreamError();
+        stream.setStreamError(kt::ktStreamFault::UnsupportedVersion);
         return;
     }
     kt::ktObject::Load(stream);
@@ -134,7 +134,9 @@ void ktAnnotationView::Load(kt::ktBaseStream& stream) {
 
 kt::ktPointer<ktAnnotationView> ktAnnotationView::FromVariantMap(const kt::ktVariant::ktVariantMapImpl& map,
                                                                  std::vector<std::string>& errors) {
-    return reading::readView(map, {}, errors);
+    reading::MapReport report(errors);
+    reading::ViewReading reading;
+    return reading::readView(map, {}, report, reading);
 }
 
 kt::ktRttiInterface* ktAnnotationView::Factory(kt::ktBaseStream& stream) {

@@ -1,4 +1,5 @@
-#include "migration/MigrationSupport_p.h"
+#include "migration/Allocation_p.h"
+#include "migration/SvgColor_p.h"
 #include "migration/ktAnnotationMigration.h"
 #include "platform/svg/PathBuilder.h"
 #include "platform/svg/Rect.h"

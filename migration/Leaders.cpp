@@ -1,4 +1,6 @@
-#include "migration/MigrationSupport_p.h"
+#include "migration/Allocation_p.h"
+#include "migration/SvgColor_p.h"
+#include "migration/Workspace_p.h"
 #include "migration/ktAnnotationMigration.h"
 #include "platform/svg/PathBuilder.h"
 
@@ -78,25 +80,31 @@ void appendCross(const HeadFrame& frame, PathBuilder& builder) {
     builder.appendLine({-reach, reach}, {reach, -reach});
 }
 
-/// Adds the head's outline to the builder of its kind; an unknown head is told to the log and adds nothing.
-void appendHead(Leader::HeadType head, const HeadFrame& frame, HeadBuilders& builders) {
+/// Adds the head's outline to the builder of its kind; false for an unknown head, which adds nothing.
+bool appendHead(Leader::HeadType head, const HeadFrame& frame, HeadBuilders& builders) {
     switch (head) {
         case Leader::HeadNone:
-            return;
+            return true;
         case Leader::HeadSquare:
-            return appendSquare(frame, builders.mFilled);
+            appendSquare(frame, builders.mFilled);
+            return true;
         case Leader::HeadCircle:
-            return appendCircle(frame, builders.mFilled);
+            appendCircle(frame, builders.mFilled);
+            return true;
         case Leader::HeadArrow:
-            return appendArrow(frame, builders.mFilled);
+            appendArrow(frame, builders.mFilled);
+            return true;
         case Leader::HeadPlus:
-            return appendPlus(builders.mLines);
+            appendPlus(builders.mLines);
+            return true;
         case Leader::HeadCross:
-            return appendCross(frame, builders.mLines);
+            appendCross(frame, builders.mLines);
+            return true;
         case Leader::HeadTriangle:
-            return appendTriangle(frame, builders.mFilled);
+            appendTriangle(frame, builders.mFilled);
+            return true;
     }
-    migration::logFailure() << "Unhandled leader head";
+    return false;
 }
 
 /// Takes what the builders hold; null when that is nothing.
@@ -127,6 +135,7 @@ bool ktAnnotationMigration::createLeaders(const std::vector<Leader>& leaders, kt
     if (leaders.empty()) {
         return true;
     }
+    const migration::FailureLog::Call call(mWorkspace->mLog);
     migration::reserveMore(target.mSegments, leaders.size());
     migration::reserveMore(target.mLeaderAnchors, leaders.size());
 
@@ -134,7 +143,9 @@ bool ktAnnotationMigration::createLeaders(const std::vector<Leader>& leaders, kt
     for (const Leader& leader : leaders) {
         target.mSegments.emplace_back(leader.mPosition, anchor);
         target.mLeaderAnchors.emplace_back(anchor, offset);
-        appendHead(leader.mHead, makeHeadFrame(leader.mPosition, anchor, mScale), builders);
+        if (!appendHead(leader.mHead, makeHeadFrame(leader.mPosition, anchor, mHeadSize), builders)) {
+            mWorkspace->mLog.tell(ktFindingCode::UnknownLeaderHead) << "Unhandled leader head";
+        }
         if (std::shared_ptr<Node> node = takeHeadNode(builders)) {
             target.mShapes.emplace_back(std::move(node), leader.mPosition);
         }

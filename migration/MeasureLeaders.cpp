@@ -1,4 +1,5 @@
-#include "migration/MigrationSupport_p.h"
+#include "migration/Allocation_p.h"
+#include "migration/Workspace_p.h"
 #include "migration/ktAnnotationMigration.h"
 #include "platform/wm4/Wm4IntrLine2Line2.h"
 #include "platform/wm4/Wm4Line2.h"
@@ -131,13 +132,14 @@ bool ktAnnotationMigration::createMeasureLeaders(const std::vector<MeasureLeader
     if (leaders.empty()) {
         return true;
     }
+    const migration::FailureLog::Call call(mWorkspace->mLog);
     migration::reserveMore(target.mSegments, leaders.size() * sMaxSegments);
     migration::reserveMore(target.mLeaderAnchors, leaders.size());
 
     for (const MeasureLeader& leader : leaders) {
         const std::optional<Construction> construction = construct(leader, toPlane(anchor));
         if (!construction) {
-            migration::logFailure() << "Fail to compute perpendicular line";
+            mWorkspace->mLog.tell(ktFindingCode::NoPerpendicularLine) << "Fail to compute perpendicular line";
             return false;
         }
         appendDimensionLine(*construction, anchor, target.mSegments);
@@ -146,8 +148,8 @@ bool ktAnnotationMigration::createMeasureLeaders(const std::vector<MeasureLeader
         const Vector3<float> footA = toSpace(construction->mFootA, anchor.z);
         const Vector3<float> footB = toSpace(construction->mFootB, anchor.z);
         const BarbDirections barbs = findBarbDirections(leader.mArrowDirection, construction->mAlong);
-        appendArrowHead(footA, barbs.mAtA, construction->mAcross, mScale, target.mSegments);
-        appendArrowHead(footB, barbs.mAtB, construction->mAcross, mScale, target.mSegments);
+        appendArrowHead(footA, barbs.mAtA, construction->mAcross, mHeadSize, target.mSegments);
+        appendArrowHead(footB, barbs.mAtB, construction->mAcross, mHeadSize, target.mSegments);
 
         appendExtensionLine(leader.mPointA, leader.mOffsetVector, footA, target.mSegments);
         appendExtensionLine(leader.mPointB, leader.mOffsetVector, footB, target.mSegments);

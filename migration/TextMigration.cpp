@@ -1,5 +1,7 @@
-#include "migration/MigrationSupport_p.h"
-#include "migration/TextWork_p.h"
+#include "migration/Allocation_p.h"
+#include "migration/SvgColor_p.h"
+#include "migration/Units_p.h"
+#include "migration/Workspace_p.h"
 
 #include <memory>
 #include <string_view>
@@ -81,8 +83,8 @@ bool ktAnnotationMigration::migrateTextAnnotation(const ktAnnotationText* text, 
                                                   const Wm4::Vector3<unsigned char>& colour) {
     auto group = migration::makeItem<kt::svg::Node>();
     group->setColor(migration::colorToSvgString(colour));
-    convertText(*text, colour, mTextWork->mArea);
-    if (!mTextWork->mConverter.convertTextAreaToSvg(mTextWork->mArea, *group, nullptr, "dummyTxtBB")) {
+    convertText(*text, colour, mWorkspace->mText);
+    if (!mWorkspace->mTextConverter.convertTextAreaToSvg(mWorkspace->mText, *group, nullptr, "dummyTxtBB")) {
         return false;
     }
     // Text is laid out with y pointing up, the drawing has it pointing down.

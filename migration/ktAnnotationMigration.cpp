@@ -1,7 +1,8 @@
 #include "migration/ktAnnotationMigration.h"
 
-#include "migration/MigrationSupport_p.h"
-#include "migration/TextWork_p.h"
+#include "migration/Allocation_p.h"
+#include "migration/SvgColor_p.h"
+#include "migration/Workspace_p.h"
 #include "platform/svg/ComputeEstimatedBoundingBox.h"
 #include "platform/svg/Transform.h"
 #include "platform/system/variant/ktVariantMapImpl.h"
@@ -62,17 +63,17 @@ Color chooseTextColor(const Color& annotationColor) {
 }
 
 /// Whether all of the annotation's metadata may be dropped. The first key that must not be is told to the log.
-bool isMetadataAccepted(const kt::ktVariant::ktVariantMapImpl& metadata, int flags) {
+bool isMetadataAccepted(const kt::ktVariant::ktVariantMapImpl& metadata, int flags, migration::FailureLog& log) {
     for (const auto& [key, value] : metadata) {
         const bool isKnown =
             std::find(sKnownMetadataKeys.begin(), sKnownMetadataKeys.end(), key) != sKnownMetadataKeys.end();
         if (isKnown && (flags & ktAnnotationMigration::AcceptKnownMetadata) == 0) {
             // No blank before "in": intended.
-            migration::logFailure() << "Found CT metadata " << key << "in annotation";
+            log.tell(ktFindingCode::KnownMetadata) << "Found CT metadata " << key << "in annotation";
             return false;
         }
         if (!isKnown && (flags & ktAnnotationMigration::AcceptOtherMetadata) == 0) {
-            migration::logFailure() << "Found unexpected metadata " << key << " in annotation";
+            log.tell(ktFindingCode::OtherMetadata) << "Found unexpected metadata " << key << " in annotation";
             return false;
         }
     }
@@ -168,18 +169,41 @@ std::optional<Placement> findPlacement(SubAnnot::AnchorLocation location, const 
 }  // namespace
 
 ktAnnotationMigration::ktAnnotationMigration(int flags, RasterCallback rasterCallback, void* rasterUserData,
-                                             float scale)
+                                             float headSize)
     : mFlags(flags),
       mRasterCallback(rasterCallback),
       mRasterUserData(rasterUserData),
-      mScale(scale),
-      mTextWork(std::make_unique<TextWork>()),
+      mHeadSize(headSize),
+      mWorkspace(std::make_unique<Workspace>()),
       mSparePath(std::make_unique<Path>()) {}
 
 ktAnnotationMigration::~ktAnnotationMigration() = default;
 
+void ktAnnotationMigration::setMissingPicturesReplaced(bool areReplaced) {
+    mWorkspace->mReplacesMissingPictures = areReplaced;
+}
+
+const std::vector<ktAnnotationMigration::LogLine>& ktAnnotationMigration::getLogLines() const {
+    return mWorkspace->mLog.getLines();
+}
+
+const std::vector<unsigned int>& ktAnnotationMigration::getFailedSubAnnot() const {
+    return mWorkspace->mFailedSubAnnot;
+}
+
+bool ktAnnotationMigration::acceptViewMetadata(const ktAnnotationView& view) {
+    const migration::FailureLog::Call call(mWorkspace->mLog);
+    mWorkspace->mFailedSubAnnot.clear();
+    if (view.mMetadata.empty() || (mFlags & AcceptViewMetadata) != 0) {
+        return true;
+    }
+    mWorkspace->mLog.tell(ktFindingCode::ViewMetadata) << "Found metadata in annotation view";
+    return false;
+}
+
 bool ktAnnotationMigration::migrateAnnotationView(const kt::ktPointer<ktAnnotationView>& view,
                                                   kt::ktPointer<kt::ktCadAnnotationView>& result) {
+    const migration::FailureLog::Call call(mWorkspace->mLog);
     if (view == nullptr || result != nullptr) {
         return false;
     }
@@ -196,8 +220,7 @@ bool ktAnnotationMigration::convertView(const ktAnnotationView& view, kt::ktCadA
     result.mOrigin = view.mOrigin;
     result.mNormal = view.mNormal;
     result.mAxis = view.mAxis;
-    if (!view.mMetadata.empty() && (mFlags & AcceptViewMetadata) == 0) {
-        migration::logFailure() << "Found metadata in annotation view";
+    if (!acceptViewMetadata(view)) {
         return false;
     }
 
@@ -206,24 +229,35 @@ bool ktAnnotationMigration::convertView(const ktAnnotationView& view, kt::ktCadA
         if (annotation == nullptr) {
             continue;
         }
-        const auto fail = [&](std::string_view what) {
-            migration::logFailure() << "Fail to migrate " << what << " '" << annotation->GetName() << "' of view '"
-                                    << view.GetName() << "'";
-            return false;
-        };
-        BoundingBox box;
         kt::ktPointer<kt::ktCadAnnotation> created;
-        if (!createAnnotationFrame(annotation, created, box)) {
-            return fail("annotation");
-        }
-        if (!createLeaders(annotation->mLeaders, *created, created->mPosition, Vector2<float>::ZERO)) {
-            return fail("leaders of annotation");
-        }
-        if (!createMeasureLeaders(annotation->mMeasureLeaders, *created, created->mPosition, Vector2<float>::ZERO)) {
-            return fail("measure leaders of annotation");
+        if (!migrateAnnotation(*annotation, view.GetName(), created)) {
+            return false;
         }
         result.mAnnotations.push_back(std::move(created));
     }
+    return true;
+}
+
+bool ktAnnotationMigration::migrateAnnotation(const ktAnnotationInterface& annotation, const std::string& viewName,
+                                              kt::ktPointer<kt::ktCadAnnotation>& result) {
+    const migration::FailureLog::Call call(mWorkspace->mLog);
+    const auto fail = [&](ktFindingCode code, std::string_view what) {
+        mWorkspace->mLog.tell(code) << "Fail to migrate " << what << " '" << annotation.GetName() << "' of view '"
+                                    << viewName << "'";
+        return false;
+    };
+    BoundingBox box;
+    kt::ktPointer<kt::ktCadAnnotation> created;
+    if (!createAnnotationFrame(&annotation, created, box)) {
+        return fail(ktFindingCode::AnnotationNotMigrated, "annotation");
+    }
+    if (!createLeaders(annotation.mLeaders, *created, created->mPosition, Vector2<float>::ZERO)) {
+        return fail(ktFindingCode::LeadersNotMigrated, "leaders of annotation");
+    }
+    if (!createMeasureLeaders(annotation.mMeasureLeaders, *created, created->mPosition, Vector2<float>::ZERO)) {
+        return fail(ktFindingCode::MeasureLeadersNotMigrated, "measure leaders of annotation");
+    }
+    result = std::move(created);
     return true;
 }
 
@@ -232,6 +266,8 @@ bool ktAnnotationMigration::createAnnotationFrame(const ktAnnotationInterface* a
     if (annotation == nullptr) {
         return false;
     }
+    const migration::FailureLog::Call call(mWorkspace->mLog);
+    mWorkspace->mFailedSubAnnot.clear();
     // A path of its own for each call: a callback may migrate something else with this object.
     Path path = std::move(*mSparePath);
     const bool isGood = convertTree(*annotation, path);
@@ -240,8 +276,12 @@ bool ktAnnotationMigration::createAnnotationFrame(const ktAnnotationInterface* a
         result = std::move(path.front().mCreated);
         path.pop_back();
     }
+    for (const OpenAnnotation& open : path) {
+        mWorkspace->mFailedSubAnnot.push_back(open.mLegacy->getSubAnnotsCount() - open.mSubAnnotsLeft);
+    }
     for (; !path.empty(); path.pop_back()) {
-        migration::logFailure() << "Fail to migrate sub annotation of '" << path.back().mLegacy->GetName() << "'";
+        mWorkspace->mLog.tell(ktFindingCode::SubAnnotationNotMigrated)
+            << "Fail to migrate sub annotation of '" << path.back().mLegacy->GetName() << "'";
     }
     *mSparePath = std::move(path);
     return isGood;
@@ -277,7 +317,7 @@ bool ktAnnotationMigration::convertOwnContent(OpenAnnotation& annotation) {
     created.SetName(legacy.GetName());
     created.mColor = Color(0, 0, 0);
     created.mPosition = legacy.mPosition;
-    if (!isMetadataAccepted(legacy.mMetadata, mFlags)) {
+    if (!isMetadataAccepted(legacy.mMetadata, mFlags, mWorkspace->mLog)) {
         return false;
     }
 
@@ -293,7 +333,7 @@ bool ktAnnotationMigration::convertOwnContent(OpenAnnotation& annotation) {
 
     BoundingBox content = kt::svg::ComputeEstimatedBoundingBox(*created.mRoot);
     if (!content.isValid()) {
-        migration::logFailure() << "Empty frame";
+        mWorkspace->mLog.tell(ktFindingCode::EmptyFrame) << "Empty frame";
         return false;
     }
     content.addMargin(margin);
@@ -330,17 +370,18 @@ bool ktAnnotationMigration::attachSubAnnotation(OpenAnnotation& parent, const Op
 
     // At most one sub-annotation brings leaders, and only the last one may: intended.
     if (!created.mSegments.empty() || !created.mShapes.empty()) {
-        migration::logFailure() << "Unexpected leader segments or shapes";
+        mWorkspace->mLog.tell(ktFindingCode::UnexpectedLeaders) << "Unexpected leader segments or shapes";
         return false;
     }
     // Leaders that the child has from its own sub-annotations end with the child's annotation: only the root node is
     // taken over. Intended.
     if (!createLeaders(child.mLegacy->mLeaders, created, placement->mAnchor, placement->mOffset)) {
-        migration::logFailure() << "Fail to migrate sub annot leaders";
+        mWorkspace->mLog.tell(ktFindingCode::SubAnnotationLeadersNotMigrated) << "Fail to migrate sub annot leaders";
         return false;
     }
     if (!createMeasureLeaders(child.mLegacy->mMeasureLeaders, created, placement->mAnchor, placement->mOffset)) {
-        migration::logFailure() << "Fail to migrate sub annot measure leaders";
+        mWorkspace->mLog.tell(ktFindingCode::SubAnnotationMeasureLeadersNotMigrated)
+            << "Fail to migrate sub annot measure leaders";
         return false;
     }
     ++parent.mSubAnnot;

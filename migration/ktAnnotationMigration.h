@@ -8,6 +8,7 @@
 #include "legacy/ktAnnotationRaster.h"
 #include "legacy/ktAnnotationText.h"
 #include "legacy/ktAnnotationView.h"
+#include "legacy/ktFindingCode.h"
 #include "platform/annotation/ktCadAnnotation.h"
 #include "platform/annotation/ktCadAnnotationView.h"
 #include "platform/svg/BoundingBox.h"
@@ -16,6 +17,7 @@
 #include "platform/wm4/Wm4Vector2.h"
 #include "platform/wm4/Wm4Vector3.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -42,11 +44,36 @@ public:
     /// @param flags           Flag bits; others are ignored.
     /// @param rasterCallback  may be null: then raster annotations fail.
     /// @param rasterUserData  handed to the callback.
-    /// @param scale           size of leader heads in drawing units.
-    ktAnnotationMigration(int flags, RasterCallback rasterCallback, void* rasterUserData, float scale);
+    /// @param headSize        of leaders, in drawing units.
+    ktAnnotationMigration(int flags, RasterCallback rasterCallback, void* rasterUserData, float headSize);
     ktAnnotationMigration(const ktAnnotationMigration&) = delete;
     ktAnnotationMigration& operator=(const ktAnnotationMigration&) = delete;
     ~ktAnnotationMigration();
+
+    /// A line that was written to the log.
+    struct LogLine {
+        ktFindingCode mCode;
+        std::string mText;
+    };
+
+    /// Draws a crossed box with the picture's name where a picture is missing, instead of failing. The log gets the
+    /// same line as without. At first they are not replaced.
+    void setMissingPicturesReplaced(bool areReplaced);
+
+    /// What the last call told the log, in order: of a failure the cause first, then where it struck; also lines of a
+    /// call that went well. Valid until the next call.
+    const std::vector<LogLine>& getLogLines() const;
+    /// Where the last call failed, when it failed in a nested annotation: its indices in the lists of sub-annotations,
+    /// outermost first.
+    const std::vector<unsigned int>& getFailedSubAnnot() const;
+
+    /// Whether the flags accept that the view's own metadata is dropped; if not, the log is told.
+    bool acceptViewMetadata(const ktAnnotationView& view);
+    /// Converts one annotation of a view with its sub-annotations, leaders and measure leaders.
+    /// @param viewName  for the log.
+    /// @param result    receives the new annotation on success, else is left as it is.
+    bool migrateAnnotation(const ktAnnotationInterface& annotation, const std::string& viewName,
+                           kt::ktPointer<kt::ktCadAnnotation>& result);
 
     /// Converts a whole view. Returns false, creating nothing, when view is null or result already holds a view.
     bool migrateAnnotationView(const kt::ktPointer<ktAnnotationView>& view,
@@ -78,7 +105,7 @@ public:
 private:
     struct OpenAnnotation;
     using Path = std::vector<OpenAnnotation>;
-    struct TextWork;
+    struct Workspace;
 
     bool convertView(const ktAnnotationView& view, kt::ktCadAnnotationView& result);
     /// Converts an annotation and its sub-annotations. Walks the tree without recursion, because its depth is the
@@ -101,11 +128,17 @@ private:
                              kt::svg::Node& root, const Wm4::Vector3<unsigned char>& color,
                              const Wm4::Vector3<unsigned char>& textColor);
 
+    /// Appends what stands for a missing picture; false when it has no extent.
+    bool replacePicture(const ktAnnotationRaster& raster, kt::svg::Node& parent);
+
+    /// Height of the name on the place of a missing picture, in hundredths of an em.
+    static constexpr std::uint16_t sMissingPictureTextHeight = 100;
+
     int mFlags;
     RasterCallback mRasterCallback;
     void* mRasterUserData;
-    float mScale;
-    std::unique_ptr<TextWork> mTextWork;
+    float mHeadSize;
+    std::unique_ptr<Workspace> mWorkspace;
     std::unique_ptr<Path> mSparePath;  ///< empty; its memory serves annotation after annotation
 };
 

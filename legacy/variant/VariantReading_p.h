@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -62,23 +61,6 @@ std::array<const kt::ktVariant*, Count> findKeys(const VariantMap& map, const Ke
 inline const kt::ktVariant* findKey(const VariantMap& map, std::string_view key) {
     const auto entry = map.find(key);
     return entry != map.end() ? &entry->second : nullptr;
-}
-
-/// Fetches into the cache what the map `next` of a list holds, before it is read. The maps of a document are made one
-/// after the other, each behind its content, so that this content lies between the map before it and itself.
-inline void prefetchMap(const VariantMap& previous, const VariantMap& next) {
-    if (next.empty()) {
-        return;
-    }
-    constexpr std::ptrdiff_t sLineSize = 64;
-    constexpr std::ptrdiff_t sMaxSize = 4096;
-    const auto* begin = reinterpret_cast<const std::byte*>(previous.begin());
-    const auto* end = reinterpret_cast<const std::byte*>(next.begin());
-    // Elsewhere made maps lie anywhere: then there is nothing to be known about their content.
-    const bool isBehind = std::less<>()(begin, end) && end - begin < sMaxSize;
-    for (const std::byte* line = isBehind ? begin : end; line <= end; line += sLineSize) {
-        __builtin_prefetch(line);
-    }
 }
 
 /// The text of a value: the bytes of a string are looked at in place, other kinds are converted. Null is no text.

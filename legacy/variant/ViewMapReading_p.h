@@ -4,6 +4,7 @@
 /// Views from maps of variant documents.
 
 #include "legacy/ktAnnotationView.h"
+#include "legacy/variant/MapReport_p.h"
 #include "platform/system/object/ktPointer.h"
 #include "platform/system/stream/ktStreamVersion.h"
 #include "platform/system/variant/ktVariant.h"
@@ -11,7 +12,6 @@
 
 #include <cstddef>
 #include <span>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -23,38 +23,54 @@ using Annotations = std::vector<kt::ktPointer<ktAnnotationInterface>>;
 struct AnnotationListKey {
     std::string_view mKey;
     ktAnnotationInterface::Type mType;  ///< of all entries; undefined when each entry tells its own
-    const char* mMissingMessage;
-    const char* mInvalidMessage;
-    const char* mContentMessage;  ///< for an entry that is no map
+    kt::ktStreamVersion mVersion;       ///< the first that has the key; to the next list's first no annotation differs
+    ktFindingCode mMissing;
+    ktFindingCode mInvalid;
+    ktFindingCode mInvalidContent;  ///< for an entry that is no map
 };
 
 /// The keys that hold the annotations of a view map, in the order in which they are read; none at versions that are not
 /// read.
 std::span<const AnnotationListKey> getAnnotationListKeys(kt::ktStreamVersion version);
 
-/// The annotations of one list, read entry by entry.
-struct AnnotationList {
+/// The list that stands under a key at some versions; null when it is another key.
+const AnnotationListKey* findAnnotationListKey(std::string_view key);
+
+/// A list of annotations that is read entry by entry, before or after the view map that it belongs to.
+class AnnotationList {
+public:
+    explicit AnnotationList(const AnnotationListKey& key) : mKey(&key) {}
+
+    const AnnotationListKey& getKey() const { return *mKey; }
+    std::size_t getEntryCount() const { return mEntryCount; }
+
     /// Reads the next entry.
-    void read(const kt::ktVariant& entry, std::vector<std::string>& errors);
+    /// @param report  of this list alone, or of the view that the list is appended to by hand.
+    /// @param offset  annotations of the view in front of the list.
+    void read(const kt::ktVariant& entry, MapReport& report, std::size_t offset = 0);
 
-    const AnnotationListKey* mKey = nullptr;
-    kt::ktStreamVersion mVersion;
-    Annotations mAnnotations;  ///< those that could be read
-};
+    Annotations mAnnotations;                 ///< those that could be read
+    std::vector<ktVariantFinding> mFindings;  ///< of a list that is read before its view
+    NestedCount mNested;                      ///< likewise
 
-/// A list of a view map whose entries were read before the map was complete, and are no longer in it.
-struct TakenList {
-    AnnotationList mList;
+private:
+    const AnnotationListKey* mKey;
     std::size_t mEntryCount = 0;
-    std::vector<std::string> mErrors;
 };
 
 /// The version of a view map; 0.0 when it has none.
 kt::ktStreamVersion readVersion(const kt::ktVariant::ktVariantMapImpl& map);
 
+/// What is read of one view map.
+struct ViewReading {
+    std::size_t mEntryCount = 0;  ///< of the lists of annotations of the map's version
+    NestedCount mNested;
+};
+
 /// Does the work of ktAnnotationView::FromVariantMap().
-/// @param taken  lists under keys of the map; they are used up. Their version is that of the map.
-kt::ktPointer<ktAnnotationView> readView(const kt::ktVariant::ktVariantMapImpl& map, std::span<TakenList> taken,
-                                         std::vector<std::string>& errors);
+/// @param taken  lists under keys of the map, whose entries were read before the map was complete and are no longer in
+///               it; they are used up. Those that the map's version does not have are left alone.
+kt::ktPointer<ktAnnotationView> readView(const kt::ktVariant::ktVariantMapImpl& map, std::span<AnnotationList> taken,
+                                         MapReport& report, ViewReading& reading);
 
 }  // namespace ktLegacy::reading

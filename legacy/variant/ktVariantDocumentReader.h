@@ -5,6 +5,7 @@
 
 #include "legacy/ktAnnotationLegacyExport.h"
 #include "legacy/ktAnnotationView.h"
+#include "legacy/variant/ktVariantFinding.h"
 #include "platform/system/json/ktVariantJson.h"
 #include "platform/system/object/ktPointer.h"
 #include "platform/system/stream/ktStreamVersion.h"
@@ -20,8 +21,7 @@ namespace ktLegacy {
 
 /// Reads the views of variant documents from their JSON text. The views and messages are those that
 /// ktAnnotationView::FromVariantMap() gives for the maps of the text; but an annotation is made as soon as its map is
-/// read, so that neither time nor memory is spent on the variants of the whole document. That needs "ver" to stand
-/// before the annotations of a view, as it usually does; otherwise the variants of the view are made first.
+/// read, wherever "ver" stands, so that neither time nor memory is spent on the variants of the whole document.
 ///
 /// A reader keeps its working memory from one document to the next; it is used by one thread at a time.
 class KT_ANNOTATION_LEGACY_API ktVariantDocumentReader {
@@ -38,7 +38,12 @@ public:
         kt::ktStreamVersion mVersion;           ///< 0.0 when there is none, or none that is valid
         bool mHasVersion = false;               ///< the key "ver" is there, without which no map is a view map
         std::size_t mEntryCount = 0;            ///< entries of the lists that hold the annotations
-        std::vector<std::string> mMessages;     ///< one per problem
+        std::size_t mNestedEntryCount = 0;      ///< entries of lists of nested annotations in what could be read
+        std::size_t mNestedLostCount = 0;       ///< those of them that are not in the view
+        std::vector<ktVariantFinding> mFindings;
+
+        /// The findings that loaders of single maps tell as messages, as texts.
+        std::vector<std::string> getMessages() const;
     };
 
     ktVariantDocumentReader();

@@ -45,11 +45,12 @@ BELOW = {
     "legacy/annotation": ["legacy"],
     "migration": ["legacy", *PLATFORM],
     "library": ["legacy", "migration", *PLATFORM],
+    "document": [ENCODING, *LIBRARY, *PLATFORM],
     CONSOLE: [ENCODING],
     FILES: [ENCODING, "tools/ktannot"],
-    REPORT: [FILES, CONSOLE, "tools/ktannot", ENCODING, *LIBRARY, *PLATFORM],
-    BATCH: [REPORT, FILES, CONSOLE, ENCODING, "tools/ktannot", *LIBRARY, *PLATFORM],
-    COMMANDS: [*TOOL, *LIBRARY, *PLATFORM],
+    REPORT: [FILES, CONSOLE, "tools/ktannot", ENCODING, "document", *LIBRARY, *PLATFORM],
+    BATCH: [REPORT, FILES, CONSOLE, ENCODING, "tools/ktannot", "document", *LIBRARY, *PLATFORM],
+    COMMANDS: [*TOOL, "document", *LIBRARY, *PLATFORM],
     "tools/ktannot": [*TOOL, *LIBRARY, *PLATFORM],
 }
 # Folders that make up one shared library or program: they may use each other's private headers.

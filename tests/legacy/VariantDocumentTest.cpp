@@ -54,7 +54,7 @@ std::string readDirectly(ktVariantDocumentReader& reader, const std::string& jso
     }
     std::string text;
     for (const ktVariantDocumentReader::View& view : views) {
-        text += describe(view.mView, view.mMessages);
+        text += describe(view.mView, view.getMessages());
     }
     return text;
 }

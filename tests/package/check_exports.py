@@ -16,6 +16,7 @@ LIBRARIES = {
     "ktSceneGraph": (1, r"libktSystem"),
     "ktSvg": (1, r"libWm4Foundation"),
     "ktAnnotation": (1, r"libktSystem|libktSvg|libharfbuzz|libicuuc|libfreetype|libfontconfig"),
+    "ktLegacyDocument": (3, r"libktAnnotationLegacy|libktAnnotation|libktSvg|libktSceneGraph|libktSystem|libWm4Foundation"),
     "ktAnnotationLegacy": (3, r"libktAnnotation|libktSvg|libktSceneGraph|libktSystem|libWm4Foundation"),
 }
 RUN_TIME = r"libstdc\+\+|libm|libgcc_s|libc|ld-linux-x86-64|libpthread"

@@ -3,11 +3,11 @@
 /// @file
 /// Documents to damage, and what is left of them.
 
+#include "document/ktLegacyDocument.h"
 #include "legacy/ktAnnotationView.h"
 #include "platform/system/stream/ktObjectDocument.h"
 #include "tests/legacy/StreamBuilder.h"
 #include "tests/tool/TemporaryFolder.h"
-#include "tools/ktannot/LegacyDocument.h"
 #include "tools/ktannot/console/TextOutput.h"
 #include "tools/ktannot/report/JsonWriter.h"
 #include "tools/ktannot/report/LegacyJson.h"
@@ -148,9 +148,9 @@ inline std::map<std::uint64_t, std::string> dumpViews(const kt::ktObjectDocument
         if (view != nullptr && object.mOffset != exceptAt) {
             ktannot::TextOutput output;
             ktannot::JsonWriter json(output);
-            ktannot::LegacyDocument::View entry;
+            ktLegacy::ktLegacyDocument::View entry;
             entry.mView = view;
-            ktannot::LegacyJson(json).writeView(entry, ktannot::LegacyDocument::Kind::Stream);
+            ktannot::LegacyJson(json).writeView(entry, ktLegacy::ktLegacyDocument::Kind::Stream);
             dumps[object.mOffset] = output.takeText();
         }
     }

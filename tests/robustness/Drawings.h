@@ -3,11 +3,10 @@
 /// @file
 /// From documents to their drawings.
 
-#include "migration/ktAnnotationMigration.h"
-#include "platform/annotation/ktCadViewSvgWriter.h"
+#include "document/ktLegacyDocument.h"
+#include "document/ktViewDrawing.h"
 #include "tests/support/RecordingLog.h"
 #include "tests/svg/XmlTree.h"
-#include "tools/ktannot/LegacyDocument.h"
 
 #include <gtest/gtest.h>
 
@@ -18,21 +17,18 @@ namespace ktTest {
 
 /// Migrates every view of a document and writes its drawing, which must be well-formed.
 /// @return  how many views could be migrated.
-inline std::size_t countDrawings(const ktannot::LegacyDocument& document) {
-    const auto giveRaster = [](const std::string& name, std::string& data, void*) {
+inline std::size_t countDrawings(const ktLegacy::ktLegacyDocument& document) {
+    ktLegacy::ktViewDrawing::Options options;
+    options.mAccepted = 7;
+    ktLegacy::ktViewDrawing drawing(options, [](const std::string& name, std::string& data) {
         data = name;
         return true;
-    };
-    constexpr int acceptAll = 7;
-    ktLegacy::ktAnnotationMigration migration(acceptAll, giveRaster, nullptr, 3.0F);
+    });
     const RecordingLog failuresAreExpected;
     std::size_t count = 0;
-    for (const ktannot::LegacyDocument::View& view : document.getViews()) {
-        kt::ktPointer<kt::ktCadAnnotationView> migrated;
-        if (migration.migrateAnnotationView(view.mView, migrated)) {
-            std::string file;
-            kt::ktCadViewSvgWriter().write(*migrated, file);
-            EXPECT_TRUE(kt::test::parseXml(file)) << file;
+    for (const ktLegacy::ktLegacyDocument::View& view : document.getViews()) {
+        if (view.mView != nullptr && drawing.draw(*view.mView)) {
+            EXPECT_TRUE(kt::test::parseXml(drawing.getSvg())) << drawing.getSvg();
             ++count;
         }
     }

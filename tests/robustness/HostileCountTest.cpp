@@ -1,6 +1,6 @@
+#include "document/ktLegacyDocument.h"
 #include "tests/legacy/LegacyLibraryTest.h"
 #include "tests/robustness/DamagedDocuments.h"
-#include "tools/ktannot/LegacyDocument.h"
 
 #include <cstring>
 
@@ -28,7 +28,7 @@ protected:
             EXPECT_TRUE(isLost);
             EXPECT_FALSE(document.hasStreamError());
             ASSERT_EQ(document.getProblems().size(), 1U);
-            EXPECT_THAT(document.getProblems()[0].mWhat, testing::HasSubstr("budget"));
+            EXPECT_THAT(document.getProblems()[0].mWhat, testing::HasSubstr("the object is damaged: it claims"));
         } else if (claim.mKind == Claim::Piece) {
             EXPECT_NE(isLost, document.hasStreamError());
         }
@@ -37,8 +37,8 @@ protected:
         }
         EXPECT_THAT(document.getProblems(),
                     testing::Each(testing::Field(&kt::ktObjectDocument::Problem::mObjectId, 5)));
-        const auto outcome = ktannot::LegacyDocument::load("test", file).getOutcome();
-        EXPECT_EQ(outcome, isLost ? ktannot::ExitCode::LimitReached : ktannot::ExitCode::WithProblems);
+        const auto outcome = ktLegacy::ktLegacyDocument::read(file).getOutcome();
+        EXPECT_EQ(outcome, isLost ? ktLegacy::ktOutcome::LimitReached : ktLegacy::ktOutcome::WithProblems);
     }
 };
 

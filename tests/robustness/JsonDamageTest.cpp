@@ -1,7 +1,7 @@
+#include "document/ktLegacyDocument.h"
 #include "platform/system/json/ktVariantJson.h"
 #include "tests/legacy/LegacyLibraryTest.h"
 #include "tests/robustness/DamagedDocuments.h"
-#include "tools/ktannot/LegacyDocument.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@
 namespace ktTest {
 namespace {
 
-using ktannot::LegacyDocument;
+using ktLegacy::ktLegacyDocument;
 
 /// Every kind of value, an escape, a character of several bytes and a line break; and a sample.
 const std::string sSmall = "tests/data/documents/every_value.json";
@@ -27,9 +27,9 @@ protected:
         const bool isRead = kt::ktJsonReader().parse(text, value, error);
         ASSERT_TRUE(isRead || (!error.mMessage.empty() && value.isUndefined()));
         ASSERT_TRUE(isRead || (error.mOffset <= text.size() && error.mLine >= 1 && error.mColumn >= 1));
-        const LegacyDocument document = LegacyDocument::load("test", text);
-        ASSERT_TRUE(isRead || document.getOutcome() == ktannot::ExitCode::Refused);
-        for (const LegacyDocument::View& view : document.getViews()) {
+        const ktLegacyDocument document = ktLegacyDocument::read(text);
+        ASSERT_TRUE(isRead || document.getOutcome() == ktLegacy::ktOutcome::Refused);
+        for (const ktLegacyDocument::View& view : document.getViews()) {
             ASSERT_EQ(view.mIsMissing, !view.mView);
         }
     }
@@ -37,14 +37,14 @@ protected:
 
 TEST_F(JsonDamageTest, TextThatEndsEarlyIsRefused) {
     for (const Bytes& whole : {readBytes(sSmall), readBytes(sSample)}) {
-        ASSERT_TRUE(LegacyDocument::load("test", whole).isLoaded());
+        ASSERT_TRUE(ktLegacyDocument::read(whole).isLoaded());
         const auto last =
             std::find_if(whole.rbegin(), whole.rend(), [](std::byte byte) { return byte > std::byte{' '}; });
         const std::ptrdiff_t end = whole.rend() - last;
         for (std::ptrdiff_t size = 0; size < end; ++size) {
             const Bytes cut(whole.begin(), whole.begin() + size);
             ASSERT_NO_FATAL_FAILURE(expectHandled(cut)) << size;
-            ASSERT_EQ(LegacyDocument::load("test", cut).getOutcome(), ktannot::ExitCode::Refused) << size;
+            ASSERT_EQ(ktLegacyDocument::read(cut).getOutcome(), ktLegacy::ktOutcome::Refused) << size;
         }
     }
 }

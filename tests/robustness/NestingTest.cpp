@@ -1,8 +1,8 @@
+#include "document/ktLegacyDocument.h"
 #include "tests/legacy/LegacyLibraryTest.h"
 #include "tests/legacy/StreamBuilder.h"
 #include "tests/robustness/DamagedDocuments.h"
 #include "tests/robustness/Drawings.h"
-#include "tools/ktannot/LegacyDocument.h"
 #include "tools/ktannot/console/TextOutput.h"
 #include "tools/ktannot/report/JsonWriter.h"
 #include "tools/ktannot/report/LegacyJson.h"
@@ -16,8 +16,8 @@
 namespace ktTest {
 namespace {
 
-using ktannot::LegacyDocument;
 using ktLegacy::ktAnnotationInterface;
+using ktLegacy::ktLegacyDocument;
 
 constexpr int sDeepestLevel = 512;
 
@@ -61,19 +61,21 @@ int countLevels(const ktAnnotationInterface* annotation) {
 
 /// What the tool does with a document: read, dump, copy, draw, destroy.
 void expectWholeJourney(const std::string& text, int levels) {
-    const LegacyDocument document = LegacyDocument::load("test", std::as_bytes(std::span(text)));
+    const ktLegacyDocument document = ktLegacyDocument::read(std::as_bytes(std::span(text)));
     ASSERT_EQ(document.getViews().size(), 1U) << document.getReason();
     const auto& annotations = document.getViews().front().mView->mAnnotations;
     ASSERT_EQ(annotations.size(), 1U);
     EXPECT_EQ(countLevels(annotations.front().get()), std::min(levels, sDeepestLevel));
     EXPECT_EQ(document.getOutcome(),
-              levels > sDeepestLevel ? ktannot::ExitCode::LimitReached : ktannot::ExitCode::AllWell);
+              levels > sDeepestLevel ? ktLegacy::ktOutcome::LimitReached : ktLegacy::ktOutcome::AllWell);
 
     const kt::ktPointer<ktAnnotationInterface> copy(annotations.front()->cloneAnnotation());
     EXPECT_EQ(countLevels(copy.get()), std::min(levels, sDeepestLevel));
     ktannot::TextOutput output;
     ktannot::JsonWriter json(output);
-    ktannot::LegacyJson(json).writeDocument(document);
+    for (const ktLegacyDocument::View& view : document.getViews()) {
+        ktannot::LegacyJson(json).writeView(view, document.getKind());
+    }
     EXPECT_GT(output.getText().size(), 100U * static_cast<unsigned>(std::min(levels, sDeepestLevel)));
     // A null child, which streams have there, fails its parent.
     EXPECT_GE(countDrawings(document), levels > sDeepestLevel ? 0U : 1U);

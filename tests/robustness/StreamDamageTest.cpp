@@ -130,8 +130,8 @@ TEST_P(StreamDamageTest, DrawingsAreWellFormed) {
         const Bytes cut(mBytes.begin(), mBytes.begin() + static_cast<std::ptrdiff_t>(offset));
         Bytes damaged = mBytes;
         damaged[offset] ^= static_cast<std::byte>(1 + offset % 255);
-        count += countDrawings(ktannot::LegacyDocument::load("test", cut));
-        count += countDrawings(ktannot::LegacyDocument::load("test", damaged));
+        count += countDrawings(ktLegacy::ktLegacyDocument::read(cut));
+        count += countDrawings(ktLegacy::ktLegacyDocument::read(damaged));
     }
     EXPECT_GT(count, 0U);
 }

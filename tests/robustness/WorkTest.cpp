@@ -1,7 +1,7 @@
+#include "document/ktLegacyDocument.h"
 #include "library/ktAnnotationLegacyLibrary.h"
 #include "tests/legacy/StreamBuilder.h"
 #include "tests/robustness/DamagedDocuments.h"
-#include "tools/ktannot/LegacyDocument.h"
 
 #include <gtest/gtest.h>
 
@@ -104,7 +104,7 @@ Bytes makeBadJsonViews(std::uint32_t count) { return repeatJson("[", R"({"ver": 
 
 Work measureLoading(const Bytes& document) {
     const Work before = sWork;
-    ktannot::LegacyDocument::load("test", document);
+    ktLegacy::ktLegacyDocument::read(document);
     return {sWork.mBytes - before.mBytes, sWork.mBlocks - before.mBlocks};
 }
 

@@ -162,7 +162,8 @@ class Resumption(support.ToolTest):
         self.assertEqual(self.migrate().code, 4)
         whole, lines, before = self.read_tree("out"), self.read_lines(), self.times()
         self.assertEqual(len(lines), 30)
-        self.assertEqual(lines["in/04.json"]["findings"], [{"severity": "warning", "what": "invalid 'axis' field"}])
+        self.assertEqual(lines["in/04.json"]["findings"], [
+            {"code": "KT1204", "severity": "warning", "what": "invalid 'axis' field", "view": 1, "name": "m"}])
         self.assertEqual(lines["in/00.json"]["views"], [
             {"view": 1, "name": "v0", "state": "written", "file": "out/00.json/001-v0.svg", "findings": []}])
         again = self.migrate()

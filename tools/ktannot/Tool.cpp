@@ -40,7 +40,7 @@ public:
 ExitCode runCommand(std::vector<std::string> arguments, Console& console) {
     try {
         const LibraryUse library;
-        DocumentLog log;
+        ProcessLog log;
         Command::Channels channels{console, log};
         return CommandLine(createCommands()).run(std::move(arguments), channels);
     } catch (const std::bad_alloc&) {

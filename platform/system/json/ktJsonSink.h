@@ -5,9 +5,7 @@
 
 #include "platform/system/ktSystemExport.h"
 #include "platform/system/variant/ktVariant.h"
-#include "platform/system/variant/ktVariantMapImpl.h"
 
-#include <span>
 #include <string_view>
 
 namespace kt {
@@ -19,18 +17,15 @@ namespace kt {
 /// not use the reader that calls it. What it throws ends the reading.
 class KT_SYSTEM_API ktJsonSink {
 public:
-    using Entry = ktVariant::ktVariantMapImpl::Entry;
-
     ktJsonSink() = default;
     ktJsonSink(const ktJsonSink&) = delete;
     ktJsonSink& operator=(const ktJsonSink&) = delete;
     virtual ~ktJsonSink();
 
     /// A list begins that is the value of an entry of a record.
-    /// @param key      the entry's key, which the record may have already and may get again.
-    /// @param entries  those before it in the record as they came: repeated keys are still repeated.
+    /// @param key  the entry's key, which the record may have already and may get again.
     /// @return whether the list's elements go to takeElement(), so that the list ends up empty.
-    virtual bool beginList(std::string_view key, std::span<const Entry> entries) = 0;
+    virtual bool beginList(std::string_view key) = 0;
     /// The next element of the list that began last. It ends with the call.
     virtual void takeElement(const ktVariant& element) = 0;
     /// The next element of the list that the text is; it need not be a map. It ends with the call, and the list ends up

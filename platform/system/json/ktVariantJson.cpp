@@ -341,7 +341,7 @@ private:
             mBuilder.beginOfferedList();
             return true;
         }
-        if (!mBuilder.isInRecord() || !mSink->beginList(mBuilder.getLooseKey(), mBuilder.getEntries())) {
+        if (!mBuilder.isInRecord() || !mSink->beginList(mBuilder.getLooseKey())) {
             return false;
         }
         mBuilder.beginOfferedList();

@@ -85,6 +85,10 @@ bool readFile(int descriptor, Pages& pages, std::size_t& size) {
         return false;
     }
     for (size = 0;;) {
+        if (size > ktMappedFile::sMaxPipeSize) {
+            errno = EFBIG;
+            return false;
+        }
         if (size + ktMappedFile::sPadding >= pages.getSize() && !pages.grow(pages.getSize() * 2)) {
             return false;
         }
@@ -98,6 +102,37 @@ bool readFile(int descriptor, Pages& pages, std::size_t& size) {
         }
         size += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
     }
+}
+
+/// Copies the first size bytes of a file; size becomes what there was.
+bool copyFile(int descriptor, Pages& pages, std::size_t& size) {
+    if (!pages.allocate(size + ktMappedFile::sPadding)) {
+        return false;
+    }
+    std::size_t done = 0;
+    while (done < size) {
+        const ssize_t count = ::pread(descriptor, pages.get() + done, size - done, static_cast<off_t>(done));
+        if (count < 0 && errno != EINTR) {
+            return false;
+        }
+        if (count == 0) {
+            break;
+        }
+        done += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+    }
+    size = done;
+    return true;
+}
+
+/// Whether a good part of the file takes no place on the disk: a copy would take far more memory than the file did.
+bool hasHoles(const struct stat& status) {
+    constexpr off_t sBlockSize = 512;
+    constexpr off_t sTolerance = 1 << 20;
+    return status.st_blocks * sBlockSize + sTolerance < status.st_size;
+}
+
+bool isSameState(const struct stat& a, const struct stat& b) {
+    return a.st_size == b.st_size && a.st_mtim.tv_sec == b.st_mtim.tv_sec && a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
 }
 
 bool failWithErrno(std::string& error) {
@@ -117,15 +152,16 @@ void ktMappedFile::swap(ktMappedFile& other) noexcept {
     std::swap(mBytes, other.mBytes);
     std::swap(mSize, other.mSize);
     std::swap(mMappedSize, other.mMappedSize);
+    std::swap(mHasChanged, other.mHasChanged);
 }
 
-bool ktMappedFile::open(const std::string& path, std::string& error) {
+bool ktMappedFile::open(const std::string& path, std::string& error, Access access) {
     *this = ktMappedFile();
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    return file.get() < 0 ? failWithErrno(error) : open(file.get(), error);
+    return file.get() < 0 ? failWithErrno(error) : open(file.get(), error, access);
 }
 
-bool ktMappedFile::open(int descriptor, std::string& error) {
+bool ktMappedFile::open(int descriptor, std::string& error, Access access) {
     *this = ktMappedFile();
     struct stat status {};
     if (::fstat(descriptor, &status) != 0) {
@@ -135,8 +171,20 @@ bool ktMappedFile::open(int descriptor, std::string& error) {
     auto size = static_cast<std::size_t>(status.st_size);
     // Some special files say that they are empty.
     const bool isMappable = S_ISREG(status.st_mode) && size != 0;
-    if (isMappable ? !mapFile(descriptor, size, pages) : !readFile(descriptor, pages, size)) {
-        return failWithErrno(error);
+    if (!isMappable) {
+        if (!readFile(descriptor, pages, size)) {
+            return failWithErrno(error);
+        }
+    } else if (access == Access::Map || hasHoles(status)) {
+        if (!mapFile(descriptor, size, pages)) {
+            return failWithErrno(error);
+        }
+    } else {
+        struct stat after {};
+        if (!copyFile(descriptor, pages, size) || ::fstat(descriptor, &after) != 0) {
+            return failWithErrno(error);
+        }
+        mHasChanged = !isSameState(status, after) || size != static_cast<std::size_t>(status.st_size);
     }
     mMappedSize = pages.getSize();
     mSize = size;

@@ -19,7 +19,7 @@ public:
         mBuilder.beginMap();
         mMissing.push_back(count);
         if (!readAll()) {
-            mStream.setStreamError();
+            mStream.setStreamError(mFault);
             keepWholeEntries();
         }
         return mBuilder.take();
@@ -29,6 +29,7 @@ private:
     /// Begins a map or list and reads its count; false when it is too deep or the count is missing.
     bool open(ktVariant::Kind kind) {
         if (mBuilder.getDepth() == static_cast<std::size_t>(sMaxVariantMapDepth)) {
+            mFault = ktStreamFault::MetadataTooDeep;
             return false;
         }
         if (kind == ktVariant::Kind::Map) {
@@ -159,6 +160,8 @@ private:
     }
 
     ktBaseStream& mStream;
+    /// Unless a read was short, or a map lies too deep.
+    ktStreamFault mFault = ktStreamFault::UnknownValueKind;
     impl::ktVariantBuilder mBuilder;
     std::vector<std::uint32_t> mMissing;  ///< elements yet to come, per open map or list
 };

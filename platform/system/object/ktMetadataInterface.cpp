@@ -15,7 +15,7 @@ void ktMetadataInterface::Load(ktBaseStream& stream) {
     std::uint32_t metadataTypeId = 0;
     stream.readle(4, 1, &metadataTypeId);
     if (metadataTypeId != mMetadataTypeId) {
-        stream.setStreamError();
+        stream.setStreamError(ktStreamFault::WrongTypeIdentifier);
     }
 }
 

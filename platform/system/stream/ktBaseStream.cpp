@@ -30,8 +30,9 @@ std::size_t ktBaseStream::readShort(void* destination) {
     return available;
 }
 
-void ktBaseStream::refuseMemory() {
+void ktBaseStream::refuseMemory(std::uint64_t count) {
     mIsBudgetExceeded = true;
+    mRefusedCount = count;
     throw ktMemoryBudgetExceeded();
 }
 

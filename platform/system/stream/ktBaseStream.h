@@ -21,6 +21,19 @@
 
 namespace kt {
 
+/// Why the error flag of a stream was set.
+enum class ktStreamFault : std::uint8_t {
+    None,                 ///< the flag is not set
+    Unspecified,          ///< the reader of a record gave no reason
+    RecordTooShort,       ///< a read was short
+    UnsupportedVersion,   ///< the record is of a version that its class cannot read
+    WrongTypeIdentifier,  ///< a metadata record carries the identifier of another type
+    UnknownChildType,     ///< a nested annotation is of an unknown type
+    AnnotationsTooDeep,   ///< annotations are nested deeper than sMaxAnnotationDepth
+    UnknownValueKind,     ///< a value of a variant map is of an unknown kind
+    MetadataTooDeep,      ///< a variant map is nested deeper than sMaxVariantMapDepth
+};
+
 /// Thrown by ktBaseStream::chargeMemory(): the input claims more memory than its budget allows.
 class KT_SYSTEM_API ktMemoryBudgetExceeded : public std::bad_alloc {
 public:
@@ -129,15 +142,20 @@ public:
         return bytes;
     }
 
-    void setStreamError() {
+    /// @param fault  kept when it is the first one since the flag was last cleared, and no read was short before.
+    void setStreamError(ktStreamFault fault = ktStreamFault::Unspecified) {
         mHasError = true;
         mErrorOffset = std::min(mErrorOffset, getOffset());
+        mFault = mFault == ktStreamFault::None ? fault : mFault;
     }
     bool hasStreamError() const { return mHasError; }
     void clearStreamError() {
         mHasError = false;
         mErrorOffset = sNoOffset;
+        mFault = ktStreamFault::None;
     }
+    /// Why the error flag was set first; None while it is not set.
+    ktStreamFault getFault() const { return mHasError ? mFault : ktStreamFault::None; }
     /// Where the first trouble was seen since the flag was last cleared: the offset of the first short read or of the
     /// cursor at the first setStreamError(), whichever came first. Meaningful only while the error flag is set.
     std::size_t getErrorOffset() const { return mErrorOffset; }
@@ -155,18 +173,20 @@ public:
     void chargeMemory(std::uint64_t count, std::uint64_t elementSize) {
         const std::uint64_t available = mBudget > mCharged ? mBudget - mCharged : 0;
         if (elementSize != 0 && count > available / elementSize) [[unlikely]] {
-            refuseMemory();
+            refuseMemory(count);
         }
         mCharged += count * elementSize;
     }
     /// True once chargeMemory() has thrown.
     bool isMemoryBudgetExceeded() const { return mIsBudgetExceeded; }
+    /// The number of elements that chargeMemory() refused last.
+    std::uint64_t getRefusedCount() const { return mRefusedCount; }
 
     /// Enters one level of nested annotations: false, with the error flag set, when that would be deeper than
     /// sMaxAnnotationDepth. Use AnnotationLevel, which leaves the level again.
     bool enterAnnotationLevel() {
         if (mAnnotationDepth >= sMaxAnnotationDepth) {
-            setStreamError();
+            setStreamError(ktStreamFault::AnnotationsTooDeep);
             return false;
         }
         ++mAnnotationDepth;
@@ -230,10 +250,11 @@ private:
     /// Puts the cursor at the end, where every read is short.
     void exhaust() {
         mErrorOffset = std::min(mErrorOffset, getOffset());
+        mFault = mFault == ktStreamFault::None ? ktStreamFault::RecordTooShort : mFault;
         mCursor = mEnd;
     }
     std::size_t readShort(void* destination);
-    [[noreturn]] void refuseMemory();
+    [[noreturn]] void refuseMemory(std::uint64_t count);
     void addPendingLink(const PendingLink& link);
     static void swapBytes(std::size_t itemSize, std::size_t size, void* items);
 
@@ -247,7 +268,9 @@ private:
     std::size_t mErrorOffset = sNoOffset;
     std::vector<PendingLink> mPendingLinks;
     ktStreamVersion mVersion;
+    std::uint64_t mRefusedCount = 0;
     int mAnnotationDepth = 0;
+    ktStreamFault mFault = ktStreamFault::None;
     bool mHasError = false;
     bool mIsBudgetExceeded = false;
 };

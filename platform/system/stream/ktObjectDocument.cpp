@@ -3,6 +3,7 @@
 #include "platform/system/memory/ktLimits.h"
 #include "platform/system/stream/ktBaseStream.h"
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 #include <stdexcept>
@@ -46,7 +47,8 @@ public:
             }
         }
         if (mOffset != mSize) {
-            addProblem(0, mOffset, describeBytes(mSize - mOffset) + " after the last record; they are ignored");
+            addProblem(Cause::BytesAfterLastRecord, 0, mOffset,
+                       describeBytes(mSize - mOffset) + " after the last record; they are ignored");
         }
         resolveLinks();
     }
@@ -66,8 +68,9 @@ private:
         std::uint64_t mBodyLength = 0;
     };
 
-    void addProblem(std::uint32_t id, std::size_t offset, std::string what) {
-        mDocument.mProblems.push_back({id, offset, std::move(what)});
+    Problem& addProblem(Cause cause, std::uint32_t id, std::size_t offset, std::string what) {
+        return mDocument.mProblems.emplace_back(
+            Problem{cause, ktStreamFault::None, id, offset, 0, std::nullopt, std::move(what)});
     }
 
     /// Reads the record at mOffset and moves on to the next; false when there is no way to find the next.
@@ -76,9 +79,10 @@ private:
         if (!readHead(index, count, head)) {
             return false;
         }
+        const std::size_t firstProblem = mDocument.mProblems.size();
         const bool isOwner = claimId(head);
         if (head.mBodyLength > mSize - head.mBodyOffset) {
-            addProblem(head.mId, head.mBodyOffset,
+            addProblem(Cause::BodyTooLong, head.mId, head.mBodyOffset,
                        "the body of " + describeBytes(head.mBodyLength) + " is longer than the file, which has " +
                            describeBytes(mSize - head.mBodyOffset) + " left; the file is cut short or damaged");
             mOffset = mSize;
@@ -89,6 +93,10 @@ private:
         if (isOwner) {
             mHolders[head.mId] = holder;
         }
+        if (holder.mFate == Fate::Kept) {
+            std::for_each(mDocument.mProblems.begin() + static_cast<std::ptrdiff_t>(firstProblem),
+                          mDocument.mProblems.end(), [&holder](Problem& problem) { problem.mObject = holder.mIndex; });
+        }
         return true;
     }
 
@@ -97,16 +105,18 @@ private:
         head.mRecordOffset = mOffset;
         mStream.confine(mOffset, mSize);
         if (mOffset == mSize) {
-            addProblem(0, mOffset, "the file ends before " + place + "; it is cut short or its object count is wrong");
+            addProblem(Cause::RecordMissing, 0, mOffset,
+                       "the file ends before " + place + "; it is cut short or its object count is wrong");
             return false;
         }
         std::int32_t nameLength = 0;
         if (!mStream.readle(4, 1, &nameLength)) {
-            addProblem(0, mOffset, "the file ends inside the head of " + place + "; it is cut short");
+            addProblem(Cause::RecordHeadCut, 0, mOffset,
+                       "the file ends inside the head of " + place + "; it is cut short");
             return false;
         }
         if (nameLength < 0 || static_cast<std::size_t>(nameLength) > mStream.getRemaining()) {
-            addProblem(0, mOffset,
+            addProblem(Cause::TypeNameTooLong, 0, mOffset,
                        "the type name of " + place + " claims " + std::to_string(nameLength) + " bytes, the file has " +
                            std::to_string(mStream.getRemaining()) + " left; nothing can be read from here on");
             return false;
@@ -114,7 +124,8 @@ private:
         const auto* name = reinterpret_cast<const char*>(mStream.readInPlace(static_cast<std::size_t>(nameLength)));
         head.mTypeName = {name, static_cast<std::size_t>(nameLength)};
         if (!mStream.readle(4, 1, &head.mId) || !mStream.readle(8, 1, &head.mBodyLength)) {
-            addProblem(0, mOffset, "the file ends inside the head of " + place + "; it is cut short");
+            addProblem(Cause::RecordHeadCut, 0, mOffset,
+                       "the file ends inside the head of " + place + "; it is cut short");
             return false;
         }
         head.mBodyOffset = mStream.getOffset();
@@ -124,12 +135,12 @@ private:
     /// Whether links to the id of the record lead to its object.
     bool claimId(const RecordHead& head) {
         if (head.mId == 0) {
-            addProblem(0, head.mRecordOffset,
+            addProblem(Cause::ZeroId, 0, head.mRecordOffset,
                        "the object has the id 0, which stands for no object; no link can lead to it");
             return false;
         }
         if (!mHolders.try_emplace(head.mId, Holder{Fate::Unknown, 0}).second) {
-            addProblem(head.mId, head.mRecordOffset,
+            addProblem(Cause::TakenId, head.mId, head.mRecordOffset,
                        "the id " + std::to_string(head.mId) + " is taken by an earlier object; links lead to that one");
             return false;
         }
@@ -139,7 +150,7 @@ private:
     Holder readObject(const RecordHead& head) {
         const FactoryFunction factory = ktRttiInterface::FindFactoryFunction(head.mTypeName);
         if (factory == nullptr) {
-            addProblem(head.mId, head.mRecordOffset,
+            addProblem(Cause::UnknownType, head.mId, head.mRecordOffset,
                        "unknown type name " + quote(head.mTypeName) + "; the object is skipped");
             return {Fate::Unknown, 0};
         }
@@ -149,13 +160,13 @@ private:
         try {
             return keepObject(head, factory);
         } catch (const ktMemoryBudgetExceeded&) {
-            loseObject(head,
-                       "the object claims more memory than the document's budget allows; it is lost. Raise the memory "
-                       "limit if the document is trusted");
+            loseOverBudget(head);
         } catch (const std::bad_alloc&) {
-            loseObject(head, "there is not enough memory for the object; it is lost");
+            loseObject(Cause::OutOfMemory, head, "there is not enough memory for the object; it is lost");
         } catch (const std::length_error&) {
-            loseObject(head, "the object claims more elements than any list can hold; it is lost");
+            mDocument.mIsLimitReached = true;
+            loseObject(Cause::ClaimsTooMuch, head,
+                       "the object claims more elements than any list can hold; it is lost");
         }
         mStream.editPendingLinks().resize(linkCount);
         return {Fate::Lost, 0};
@@ -169,7 +180,7 @@ private:
         const ktPointer<ktRttiInterface> object(factory(mStream));
         const std::size_t index = mDocument.mObjects.size();
         mDocument.mObjects.push_back({head.mId, head.mRecordOffset, object});
-        mLinkOwners.resize(mStream.editPendingLinks().size() - firstLink + mLinkOwners.size(), head.mId);
+        mLinkOwners.resize(mStream.editPendingLinks().size() - firstLink + mLinkOwners.size(), index);
         reportReading(head);
         return {Fate::Kept, index};
     }
@@ -185,16 +196,37 @@ private:
             if (mStream.getRemaining() != 0) {
                 what += ", " + rest + " were not read";
             }
-            addProblem(head.mId, mStream.getErrorOffset(), std::move(what));
+            Problem& problem = addProblem(Cause::Damaged, head.mId, mStream.getErrorOffset(), std::move(what));
+            problem.mFault = mStream.getFault();
+            problem.mUnread = mStream.getRemaining();
         } else if (mStream.getRemaining() != 0) {
-            addProblem(head.mId, mStream.getOffset(),
+            addProblem(Cause::BytesLeftOver, head.mId, mStream.getOffset(),
                        rest + " left over at the end of the " + type + " record; they are ignored");
         }
     }
 
-    void loseObject(const RecordHead& head, const std::string& what) {
+    /// A claim that the bytes cannot hold (every element takes at least one), or one that comes after other trouble, is
+    /// damage: no larger limit would help.
+    void loseOverBudget(const RecordHead& head) {
         mDocument.mIsLimitReached = true;
-        addProblem(head.mId, mStream.getOffset(), quote(head.mTypeName) + ": " + what);
+        const std::uint64_t claimed = mStream.getRefusedCount();
+        if (claimed > 1 && claimed > mStream.getRemaining()) {
+            loseObject(Cause::ClaimsTooMuch, head,
+                       "the object is damaged: it claims " + std::to_string(claimed) + " elements, but only " +
+                           describeBytes(mStream.getRemaining()) + " are left; it is lost");
+        } else if (mStream.hasStreamError()) {
+            loseObject(Cause::ClaimsTooMuch, head,
+                       "the object is damaged: it claims more than its " + describeBytes(head.mBodyLength) +
+                           " hold, but only " + describeBytes(mStream.getRemaining()) + " are left; it is lost");
+        } else {
+            loseObject(Cause::OverBudget, head,
+                       "the object claims more memory than the document's budget allows; it is lost. Raise the memory "
+                       "limit if the document is trusted");
+        }
+    }
+
+    void loseObject(Cause cause, const RecordHead& head, const std::string& what) {
+        addProblem(cause, head.mId, mStream.getOffset(), quote(head.mTypeName) + ": " + what);
     }
 
     void resolveLinks() {
@@ -207,25 +239,27 @@ private:
             object.mObject->PostLink(mStream);
             if (mStream.hasStreamError()) {
                 mDocument.mHasStreamError = true;
-                addProblem(object.mId, object.mOffset,
+                addProblem(Cause::NotCompleted, object.mId, object.mOffset,
                            "the object could not be completed after its links were resolved");
             }
         }
     }
 
-    void resolveLink(const ktBaseStream::PendingLink& link, std::uint32_t owner) {
+    void resolveLink(const ktBaseStream::PendingLink& link, std::size_t ownerIndex) {
+        const auto tell = [&](Cause cause, std::string what) {
+            addProblem(cause, mDocument.mObjects[ownerIndex].mId, link.mOffset, std::move(what)).mObject = ownerIndex;
+        };
         const auto found = mHolders.find(link.mId);
         const std::string place = "the link to object " + std::to_string(link.mId);
         if (found == mHolders.end()) {
-            addProblem(owner, link.mOffset, place + " leads nowhere: the document has no such object");
+            tell(Cause::DeadLink, place + " leads nowhere: the document has no such object");
         } else if (found->second.mFate == Fate::Unknown) {
-            addProblem(owner, link.mOffset, place + " leads to an object of an unknown type");
+            tell(Cause::LinkToUnknownType, place + " leads to an object of an unknown type");
         } else if (found->second.mFate == Fate::Kept) {
             ktRttiInterface* object = mDocument.mObjects[found->second.mIndex].mObject.get();
             if (!link.mAssign(link, object)) {
-                addProblem(owner, link.mOffset,
-                           place + " leads to a " + quote(object->GetType()->GetName()) +
-                               ", which is not the type wanted there");
+                tell(Cause::LinkToWrongType, place + " leads to a " + quote(object->GetType()->GetName()) +
+                                                 ", which is not the type wanted there");
             }
         }
     }
@@ -235,7 +269,7 @@ private:
     ktBaseStream mStream;
     std::size_t mOffset = 0;
     std::unordered_map<std::uint32_t, Holder> mHolders;
-    std::vector<std::uint32_t> mLinkOwners;  ///< id of the object that holds the pending link of the same index
+    std::vector<std::size_t> mLinkOwners;  ///< index of the object that holds the pending link of the same index
 };
 
 bool ktObjectDocument::hasMagic(std::span<const std::byte> bytes) {

@@ -6,6 +6,7 @@
 #include "platform/system/ktSystemExport.h"
 #include "platform/system/object/ktPointer.h"
 #include "platform/system/object/ktRttiInterface.h"
+#include "platform/system/stream/ktBaseStream.h"
 #include "platform/system/stream/ktStreamVersion.h"
 
 #include <cstddef>
@@ -30,11 +31,36 @@ public:
         ktPointer<ktRttiInterface> mObject;  ///< not null
     };
 
+    /// Kinds of problems.
+    enum class Cause : std::uint8_t {
+        RecordMissing,    ///< the file ends before a record
+        RecordHeadCut,    ///< the file ends inside the head of a record
+        TypeNameTooLong,  ///< a type name claims more bytes than there are
+        BodyTooLong,      ///< a body claims more bytes than there are
+        ZeroId,           ///< an object has the id of no object
+        TakenId,          ///< an object has the id of an earlier one
+        UnknownType,      ///< no factory is registered for a type name
+        OverBudget,       ///< an object claims more memory than the budget allows; it is lost
+        ClaimsTooMuch,    ///< an object claims more elements than its bytes can hold; it is lost
+        OutOfMemory,      ///< the machine had no memory for an object; it is lost
+        Damaged,          ///< the error flag was set while an object was read: mFault says why
+        BytesLeftOver,    ///< a record has more bytes than its reader took
+        BytesAfterLastRecord,
+        NotCompleted,  ///< the error flag was set after the links of an object were resolved
+        DeadLink,
+        LinkToUnknownType,
+        LinkToWrongType,
+    };
+
     /// Something that is wrong with the document.
     struct Problem {
-        std::uint32_t mObjectId;  ///< 0 for the document itself
-        std::uint64_t mOffset;    ///< where the trouble was seen
-        std::string mWhat;        ///< an English sentence
+        Cause mCause;
+        ktStreamFault mFault;                ///< None unless the cause is Damaged
+        std::uint32_t mObjectId;             ///< 0 for the document itself
+        std::uint64_t mOffset;               ///< where the trouble was seen
+        std::uint64_t mUnread;               ///< bytes of a damaged record that were not read
+        std::optional<std::size_t> mObject;  ///< index of the object that it is about, where there is one
+        std::string mWhat;                   ///< an English sentence
     };
 
     /// Bytes before the first record.
@@ -63,7 +89,7 @@ public:
     const std::vector<Problem>& getProblems() const { return mProblems; }
     /// True when the stream's error flag was set while an object was read.
     bool hasStreamError() const { return mHasStreamError; }
-    /// True when an object was lost for want of memory.
+    /// True when an object was lost because of the memory budget.
     bool isLimitReached() const { return mIsLimitReached; }
 
 private:

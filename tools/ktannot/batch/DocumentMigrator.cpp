@@ -1,8 +1,7 @@
 #include "tools/ktannot/batch/DocumentMigrator.h"
 
-#include "tools/ktannot/DocumentLog.h"
-#include "tools/ktannot/NestedLeaders.h"
-#include "tools/ktannot/batch/MetadataAcceptance.h"
+#include "platform/system/log/ktLog.h"
+#include "tools/ktannot/batch/DocumentLoader.h"
 #include "tools/ktannot/batch/ResultFile.h"
 #include "tools/ktannot/batch/StopSignal.h"
 #include "tools/ktannot/console/TextOutput.h"
@@ -16,6 +15,7 @@
 #include <filesystem>
 #include <fstream>
 #include <set>
+#include <span>
 #include <system_error>
 
 namespace ktannot {
@@ -31,13 +31,15 @@ std::vector<std::string> getPictureFolders(const MigrationOptions& options, cons
     return {(folder / ".").string(), (folder / "images").string()};
 }
 
-kt::ktCadViewSvgWriter::Options getWriterOptions(const MigrationOptions& options) {
-    kt::ktCadViewSvgWriter::Options writerOptions;
+ktLegacy::ktViewDrawing::Options getDrawingOptions(const MigrationOptions& options) {
+    ktLegacy::ktViewDrawing::Options drawing;
+    drawing.mAccepted = options.mAcceptedLosses;
+    drawing.mHeadSize = options.mHeadSize;
     using TextMode = kt::svg::SvgWriter::TextMode;
-    writerOptions.mTextMode = options.mHasTextOutlines ? TextMode::Outlines : TextMode::Text;
-    writerOptions.mDrawsPictureBackgrounds = options.mDrawsPictureBackgrounds;
-    writerOptions.mBackground = options.mBackground;
-    return writerOptions;
+    drawing.mWriter.mTextMode = options.mHasTextOutlines ? TextMode::Outlines : TextMode::Text;
+    drawing.mWriter.mDrawsPictureBackgrounds = options.mDrawsPictureBackgrounds;
+    drawing.mWriter.mBackground = options.mBackground;
+    return drawing;
 }
 
 bool exists(const std::string& path) {
@@ -46,16 +48,25 @@ bool exists(const std::string& path) {
 }
 
 /// Whether a file holds exactly that.
-bool hasContent(const std::string& path, std::string_view content) {
+bool hasContent(const std::string& path, std::span<const std::string_view> pieces) {
     std::ifstream file(path, std::ios::binary);
-    std::string found(content.size() + 1, '\0');
-    file.read(found.data(), static_cast<std::streamsize>(found.size()));
-    return static_cast<std::size_t>(file.gcount()) == content.size() &&
-           std::string_view(found).substr(0, content.size()) == content;
+    std::string found;
+    for (const std::string_view piece : pieces) {
+        found.resize(piece.size());
+        file.read(found.data(), static_cast<std::streamsize>(found.size()));
+        if (static_cast<std::size_t>(file.gcount()) != piece.size() || found != piece) {
+            return false;
+        }
+    }
+    return file.peek() == std::ifstream::traits_type::eof();
 }
 
-std::string getStaleness(const std::string& path) {
-    return "'" + path + "' is kept, but the document gives something else now; --force replaces it";
+ktLegacy::ktLegacyFinding makeStaleFinding(const std::string& path) {
+    ktLegacy::ktLegacyFinding finding(
+        ktLegacy::ktFindingCode::OutputStale,
+        "'" + path + "' is kept, but the document gives something else now; --force replaces it");
+    finding.mRemedy = "--force";
+    return finding;
 }
 
 /// The files of a folder that are named like drawings, sorted.
@@ -76,40 +87,40 @@ std::vector<std::string> findDrawings(const std::string& folder) {
 }
 
 /// Why the loader made no view: the last of its messages about it.
-std::string getRefusalOfLoader(const LegacyDocument& document, const LegacyDocument::View& view) {
-    return view.mMessagesEnd > view.mMessagesBegin ? document.getMessages()[view.mMessagesEnd - 1]
-                                                   : "the document holds no readable view here";
+std::string getRefusalOfLoader(const ktLegacy::ktLegacyDocument& document, std::size_t view) {
+    const auto& findings = document.getFindings();
+    const auto found = std::find_if(findings.rbegin(), findings.rend(),
+                                    [view](const ktLegacy::ktLegacyFinding& finding) { return finding.mView == view; });
+    return found != findings.rend() ? found->mWhat : "the document holds no readable view here";
 }
 
 }  // namespace
 
 DocumentMigrator::DocumentMigrator(const MigrationOptions& options)
-    : mOptions(options),
-      mMigration(options.mAcceptedMetadata, provideRaster, this, options.mHeadSize),
-      mWriter(getWriterOptions(options)) {}
+    : mOptions(options), mDrawing(getDrawingOptions(options), [this](const std::string& name, std::string& data) {
+          return PictureFolder::provide(name, data, mPictures);
+      }) {}
 
 DocumentMigrator::~DocumentMigrator() = default;
 
-bool DocumentMigrator::provideRaster(const std::string& rasterName, std::string& rasterData, void* userData) {
-    return PictureFolder::provide(rasterName, rasterData, static_cast<DocumentMigrator*>(userData)->mPictures);
-}
-
 DocumentResult DocumentMigrator::migrate(const Input& input, const ViewListener& onView) {
-    DocumentResult result(LegacyDocument::load(input, mOptions.mMemoryLimit));
+    DocumentResult result(loadDocument(input, mOptions.mMemoryLimit));
     result.mOutcome = result.mDocument.getOutcome();
-    if (result.mDocument.isLoaded()) {
+    if (result.isSkippedFile()) {
+        return result;
+    }
+    if (result.mDocument.mDocument.isLoaded()) {
         PictureFolder pictures(getPictureFolders(mOptions, input));
         mPictures = &pictures;
         mLog.clear();
         migrateViews(input, result, onView);
         mPictures = nullptr;
-    } else if (isDump() && mOptions.isToStandardOutput() &&
-               result.mDocument.getState() != LegacyDocument::State::Skipped) {
+    } else if (isDump() && mOptions.isToStandardOutput()) {
         TextOutput text;
         JsonWriter json(text);
         json.beginObject();
         json.key("source").text(input.mSource);
-        json.key("refused").text(result.mDocument.getReason());
+        json.key("refused").text(result.getReason());
         json.endObject();
         json.endLine();
         result.mText = text.takeText();
@@ -129,7 +140,7 @@ std::string DocumentMigrator::findWrongView(std::size_t count) const {
 }
 
 void DocumentMigrator::migrateViews(const Input& input, DocumentResult& result, const ViewListener& onView) {
-    result.mReason = findWrongView(result.mDocument.getViews().size());
+    result.mReason = findWrongView(result.mDocument.mDocument.getViews().size());
     if (!result.mReason.empty()) {
         result.mOutcome = mOptions.mView == 0 ? ExitCode::WrongUsage : worst(result.mOutcome, ExitCode::Refused);
         return;
@@ -155,9 +166,7 @@ void DocumentMigrator::migrateViews(const Input& input, DocumentResult& result, 
             result.mIsStopped = true;
             continue;
         }
-        CadView view = migrateView(result.mDocument, result.mDocument.getViews()[index], viewResult);
-        result.mDocument.releaseView(index);
-        finishView(std::move(view), viewResult, result, dumped);
+        migrateView(index, result, dumped);
         if (onView && !isDump()) {
             onView(index + 1, viewResult);
         }
@@ -180,7 +189,7 @@ void DocumentMigrator::migrateViews(const Input& input, DocumentResult& result, 
 bool DocumentMigrator::planFiles(const Input& input, DocumentResult& result) const {
     const bool isToFiles = !mOptions.isToStandardOutput();
     bool isTaken = isToFiles && isDump() && exists(getDumpPath(input));
-    for (const LegacyDocument::View& view : result.mDocument.getViews()) {
+    for (const ktLegacy::ktLegacyDocument::View& view : result.mDocument.mDocument.getViews()) {
         ViewResult& viewResult = result.mViews.emplace_back();
         viewResult.mName = view.mView != nullptr ? view.mView->GetName() : std::string();
         if (isToFiles && !isDump() && isWanted(result.mViews.size() - 1)) {
@@ -205,76 +214,65 @@ void DocumentMigrator::findStaleDrawings(const Input& input, DocumentResult& res
     }
     for (const std::string& path : findDrawings(mOptions.getFolder(input.mDocumentName))) {
         if (made.count(path) == 0) {
-            result.mWarnings.push_back("no view of it is drawn to '" + path +
-                                       "' any more, which an earlier run made: delete it, or keep it elsewhere");
+            result.mFindings.emplace_back(ktLegacy::ktFindingCode::OutputOrphaned,
+                                          "no view of it is drawn to '" + path +
+                                              "' any more, which an earlier run made: delete it, or keep it elsewhere");
             result.mOutcome = worst(result.mOutcome, ExitCode::WithProblems);
         }
     }
 }
 
-void DocumentMigrator::finishView(CadView view, ViewResult& viewResult, DocumentResult& result,
-                                  std::vector<CadView>& dumped) {
+void DocumentMigrator::migrateView(std::size_t index, DocumentResult& result, std::vector<CadView>& dumped) {
+    ktLegacy::ktLegacyDocument& document = result.mDocument.mDocument;
+    ViewResult& viewResult = result.mViews[index];
+    const kt::ktPointer<ktLegacy::ktAnnotationView> view = document.getViews()[index].mView;
+    CadView migrated;
+    bool isMade = false;
     if (view == nullptr) {
+        viewResult.mReason = getRefusalOfLoader(document, index);
+    } else if (isDump()) {
+        migrated = mDrawing.migrate(*view);
+        isMade = migrated != nullptr;
+        takeFindings(index, viewResult);
+    } else {
+        isMade = mDrawing.drawAndRelease(*view);
+        takeFindings(index, viewResult);
+    }
+    document.releaseView(index);
+    if (!isMade) {
         result.mOutcome = worst(result.mOutcome, ExitCode::Refused);
     } else if (isDump()) {
         viewResult.mState = mOptions.mIsDryRun ? ViewResult::State::Planned : ViewResult::State::Written;
     } else {
-        writeDrawing(*view, viewResult, result);
+        writeDrawing(viewResult, result);
     }
-    if (!viewResult.mWarnings.empty()) {
+    const auto matters = [](const ktLegacy::ktLegacyFinding& finding) {
+        return finding.getSeverity() != ktLegacy::ktFindingSeverity::Note;
+    };
+    if (std::any_of(viewResult.mFindings.begin(), viewResult.mFindings.end(), matters)) {
         result.mOutcome = worst(result.mOutcome, ExitCode::WithProblems);
     }
     if (isDump()) {
-        dumped.push_back(std::move(view));
+        dumped.push_back(std::move(migrated));
     }
 }
 
-DocumentMigrator::CadView DocumentMigrator::migrateView(const LegacyDocument& document,
-                                                        const LegacyDocument::View& view, ViewResult& viewResult) {
-    if (view.mView == nullptr) {
-        viewResult.mReason = getRefusalOfLoader(document, view);
-        return nullptr;
+void DocumentMigrator::takeFindings(std::size_t index, ViewResult& viewResult) {
+    viewResult.mFindings = mDrawing.getFindings();
+    for (ktLegacy::ktLegacyFinding& finding : viewResult.mFindings) {
+        finding.mView = index;
     }
-    CadView migrated;
-    DocumentLog::Capture capture;
-    mMigration.migrateAnnotationView(view.mView, migrated);
-    for (DocumentLog::Line& line : capture.takeLines()) {
-        if (line.mType != kt::ktLog::Error) {
-            continue;
-        }
-        if (migrated != nullptr) {
-            viewResult.mWarnings.push_back(line.mMessage);
-        } else if (viewResult.mReason.empty()) {
-            // The first line names the cause, later ones where it struck.
-            viewResult.mReason = line.mMessage;
-            viewResult.mRemedy = MetadataAcceptance::findRemedy(line.mMessage);
-        } else {
-            viewResult.mReason += ": " + line.mMessage;
-        }
-        mLog.push_back(std::move(line.mMessage));
-    }
-    if (migrated == nullptr && viewResult.mReason.empty()) {
-        viewResult.mReason = "the migration gave no reason";
-    }
-    if (migrated != nullptr) {
-        if (const std::size_t count = countNestedLeaders(*view.mView); count > 0) {
-            viewResult.mWarnings.push_back(std::to_string(count) +
-                                           " leaders of nested annotations have no place in the new model");
-        }
-    }
-    return migrated;
+    viewResult.mReason = mDrawing.getReason();
+    mLog.insert(mLog.end(), mDrawing.getLogLines().begin(), mDrawing.getLogLines().end());
 }
 
-void DocumentMigrator::writeDrawing(const kt::ktCadAnnotationView& view, ViewResult& viewResult,
-                                    DocumentResult& result) {
-    mWriter.write(view, mFile);
-    for (const kt::ktCadViewSvgWriter::Warning& warning : mWriter.getWarnings()) {
-        viewResult.mWarnings.push_back(warning.getSentence());
-    }
+void DocumentMigrator::writeDrawing(ViewResult& viewResult, DocumentResult& result) {
     if (isKept(viewResult.mFile)) {
         viewResult.mState = ViewResult::State::Skipped;
-        if (!hasContent(viewResult.mFile, mFile)) {
-            viewResult.mWarnings.push_back(getStaleness(viewResult.mFile));
+        if (!hasContent(viewResult.mFile, mDrawing.getPieces())) {
+            ktLegacy::ktLegacyFinding& stale = viewResult.mFindings.emplace_back(makeStaleFinding(viewResult.mFile));
+            stale.mView = static_cast<std::size_t>(&viewResult - result.mViews.data());
+            stale.mViewName = viewResult.mName;
         }
         return;
     }
@@ -283,9 +281,9 @@ void DocumentMigrator::writeDrawing(const kt::ktCadAnnotationView& view, ViewRes
         return;
     }
     if (mOptions.isToStandardOutput()) {
-        result.mText += mFile;
+        result.mText += mDrawing.getSvg();
     } else {
-        viewResult.mReason = ResultFile::write(viewResult.mFile, mFile, mOptions);
+        viewResult.mReason = ResultFile::write(viewResult.mFile, mDrawing.getPieces(), mOptions);
     }
     viewResult.mState = viewResult.mReason.empty() ? ViewResult::State::Written : ViewResult::State::Failed;
     if (viewResult.mState == ViewResult::State::Failed) {
@@ -317,10 +315,11 @@ void DocumentMigrator::writeDump(const std::vector<CadView>& views, const Input&
         result.mText = text.takeText();
         return;
     }
+    const std::string_view dump = text.getText();
     result.mFile = getDumpPath(input);
     if (isKept(result.mFile)) {
-        if (!hasContent(result.mFile, text.getText())) {
-            result.mWarnings.push_back(getStaleness(result.mFile));
+        if (!hasContent(result.mFile, {&dump, 1})) {
+            result.mFindings.push_back(makeStaleFinding(result.mFile));
             result.mOutcome = worst(result.mOutcome, ExitCode::WithProblems);
         }
         for (ViewResult& view : result.mViews) {
@@ -328,7 +327,7 @@ void DocumentMigrator::writeDump(const std::vector<CadView>& views, const Input&
         }
         return;
     }
-    result.mReason = ResultFile::write(result.mFile, text.getText(), mOptions);
+    result.mReason = ResultFile::write(result.mFile, {&dump, 1}, mOptions);
     if (!result.mReason.empty()) {
         result.mOutcome = worst(result.mOutcome, ExitCode::EnvironmentFailed);
         for (ViewResult& view : result.mViews) {

@@ -3,8 +3,9 @@
 /// @file
 /// Migration of one document after the other.
 
-#include "migration/ktAnnotationMigration.h"
-#include "platform/annotation/ktCadViewSvgWriter.h"
+#include "document/ktViewDrawing.h"
+#include "platform/annotation/ktCadAnnotationView.h"
+#include "tools/ktannot/batch/Input.h"
 #include "tools/ktannot/batch/MigrationOptions.h"
 #include "tools/ktannot/files/PictureFolder.h"
 #include "tools/ktannot/report/DocumentResult.h"
@@ -16,7 +17,7 @@
 
 namespace ktannot {
 
-/// Turns documents into drawings or dumps. Keeps the migration with its fonts and measured texts, so each thread has
+/// Turns documents into drawings or dumps. Keeps fonts and measured texts, so each thread has
 /// one migrator and uses it for many documents.
 class DocumentMigrator {
 public:
@@ -37,8 +38,6 @@ public:
 private:
     using CadView = kt::ktPointer<kt::ktCadAnnotationView>;
 
-    static bool provideRaster(const std::string& rasterName, std::string& rasterData, void* userData);
-
     bool isDump() const { return mOptions.mFormat == MigrationOptions::Format::Json; }
 
     bool isWanted(std::size_t view) const { return mOptions.mView == 0 || mOptions.mView == view + 1; }
@@ -52,21 +51,20 @@ private:
     bool isKept(const std::string& path) const;
     /// Tells of drawings of earlier runs that no view has any more.
     void findStaleDrawings(const Input& input, DocumentResult& result) const;
-    /// Writes what became of a view, or keeps it for the dump.
-    void finishView(CadView view, ViewResult& viewResult, DocumentResult& result, std::vector<CadView>& dumped);
-    CadView migrateView(const LegacyDocument& document, const LegacyDocument::View& view, ViewResult& viewResult);
-    void writeDrawing(const kt::ktCadAnnotationView& view, ViewResult& viewResult, DocumentResult& result);
+    /// Draws a view, or migrates it for the dump.
+    void migrateView(std::size_t index, DocumentResult& result, std::vector<CadView>& dumped);
+    /// Takes over what was found with the view that was worked on last.
+    void takeFindings(std::size_t index, ViewResult& viewResult);
+    void writeDrawing(ViewResult& viewResult, DocumentResult& result);
     void writeDump(const std::vector<CadView>& views, const Input& input, DocumentResult& result);
     /// @param number  of the view within the document, from 1.
     std::string getDrawingPath(const Input& input, std::size_t number, const std::string& viewName) const;
     std::string getDumpPath(const Input& input) const;
 
     const MigrationOptions& mOptions;
-    ktLegacy::ktAnnotationMigration mMigration;
-    kt::ktCadViewSvgWriter mWriter;
     PictureFolder* mPictures = nullptr;  ///< of the document at work
     std::vector<std::string> mLog;       ///< of the document at work
-    std::string mFile;                   ///< text of a drawing; kept for its capacity
+    ktLegacy::ktViewDrawing mDrawing;
 };
 
 }  // namespace ktannot

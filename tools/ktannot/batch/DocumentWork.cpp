@@ -1,5 +1,6 @@
 #include "tools/ktannot/batch/DocumentWork.h"
 
+#include "tools/ktannot/batch/DocumentLoader.h"
 #include "tools/ktannot/files/FileHash.h"
 
 #include <sys/stat.h>
@@ -32,14 +33,15 @@ SourceFacts findFacts(const Input& input) {
 DocumentResult DocumentWork::makeFailedResult(const Input& input, ExitCode outcome, std::string reason) {
     if (reason.empty()) {
         static constexpr std::string_view sNothing = "[]";
-        DocumentResult stopped(LegacyDocument::load(input.mSource, std::as_bytes(std::span(sNothing))));
+        DocumentResult stopped(
+            SourceDocument{input.mSource, ktLegacy::ktLegacyDocument::read(std::as_bytes(std::span(sNothing))), false});
         stopped.mOutcome = outcome;
         stopped.mIsStopped = true;
         return stopped;
     }
-    Input failed = input;
-    failed.mFailure = std::move(reason);
-    DocumentResult result(LegacyDocument::load(failed));
+    const ktLegacy::ktFindingCode code = outcome == ExitCode::InternalError ? ktLegacy::ktFindingCode::InternalError
+                                                                            : ktLegacy::ktFindingCode::MemoryLimit;
+    DocumentResult result(makeUnreadableDocument(input, code, std::move(reason)));
     result.mOutcome = outcome;
     return result;
 }

@@ -34,7 +34,7 @@ struct MigrationOptions {
     std::optional<std::string> mRasterFolder;   ///< nothing: the document's folder and its folder "images"
     std::optional<std::uint64_t> mMemoryLimit;  ///< bytes that one document may take
     float mHeadSize = 3.0F;                     ///< of leader heads, in millimetres
-    int mAcceptedMetadata = 0;                  ///< flags of the migration
+    int mAcceptedLosses = 0;                    ///< bits of ktLegacy::ktViewDrawing::Accepted
     Format mFormat = Format::Svg;
     Existing mExisting = Existing::Fail;
     std::size_t mView = 0;   ///< number of the only view that is wanted of each document; 0: all are

@@ -28,7 +28,8 @@ std::string findObstacle(const std::string& path, const MigrationOptions& option
 
 }  // namespace
 
-std::string ResultFile::write(const std::string& path, std::string_view content, const MigrationOptions& options) {
+std::string ResultFile::write(const std::string& path, std::span<const std::string_view> content,
+                              const MigrationOptions& options) {
     const bool isReplacing = options.mExisting == MigrationOptions::Existing::Replace;
     if (isReplacing) {
         if (std::string obstacle = findObstacle(path, options); !obstacle.empty()) {
@@ -37,8 +38,8 @@ std::string ResultFile::write(const std::string& path, std::string_view content,
     }
     OutputFile file(path);
     std::string failure = file.getFailure();
-    if (failure.empty()) {
-        failure = file.write(content);
+    for (std::size_t piece = 0; failure.empty() && piece < content.size(); ++piece) {
+        failure = file.write(content[piece]);
     }
     return failure.empty() ? file.publish(isReplacing ? OutputFile::Existing::Replace : OutputFile::Existing::Keep)
                            : failure;

@@ -5,6 +5,7 @@
 
 #include "tools/ktannot/batch/MigrationOptions.h"
 
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -16,8 +17,10 @@ class ResultFile {
 public:
     ResultFile() = delete;
 
+    /// @param content  in pieces.
     /// @return the reason of a failure, empty on success.
-    static std::string write(const std::string& path, std::string_view content, const MigrationOptions& options);
+    static std::string write(const std::string& path, std::span<const std::string_view> content,
+                             const MigrationOptions& options);
 };
 
 }  // namespace ktannot

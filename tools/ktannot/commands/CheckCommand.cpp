@@ -1,8 +1,10 @@
 #include "tools/ktannot/commands/CheckCommand.h"
 
+#include "tools/ktannot/batch/DocumentLoader.h"
 #include "tools/ktannot/batch/InputSet.h"
 #include "tools/ktannot/console/TerminalText.h"
 #include "tools/ktannot/report/DocumentNotices.h"
+#include "tools/ktannot/report/FindingText.h"
 #include "tools/ktannot/report/JsonWriter.h"
 #include "tools/ktannot/report/LegacyJson.h"
 
@@ -31,11 +33,10 @@ ExitCode CheckCommand::run(Channels& channels) {
     DocumentCensus census;
     ExitCode outcome = ExitCode::AllWell;
     for (std::size_t index = 0; index < inputs.size(); ++index) {
-        DocumentLog::Capture log;
-        const LegacyDocument document = LegacyDocument::load(inputs[index], mMemoryLimit);
+        const SourceDocument document = loadDocument(inputs[index], mMemoryLimit);
         census.add(document);
         outcome = worst(outcome, document.getOutcome());
-        if (document.getState() == LegacyDocument::State::Skipped) {
+        if (document.mIsSkipped) {
             continue;
         }
         if (mIsJson) {
@@ -44,7 +45,6 @@ ExitCode CheckCommand::run(Channels& channels) {
         } else {
             printFindings(console.out(), document);
         }
-        tellLog(console, document, log.getLines());
     }
     if (!mIsJson) {
         printSummary(console.out(), census, inputs.getPassedOver().describe());
@@ -52,41 +52,32 @@ ExitCode CheckCommand::run(Channels& channels) {
     return outcome;
 }
 
-void CheckCommand::printFindings(TextOutput& output, const LegacyDocument& document) {
-    if (!document.isLoaded()) {
+void CheckCommand::printFindings(TextOutput& output, const SourceDocument& document) {
+    if (!document.mDocument.isLoaded()) {
         output.write(describeRefusal(document) + "\n");
         return;
     }
     if (document.getOutcome() == ExitCode::AllWell) {
         return;
     }
-    output.write(makeTerminalText(document.getSource()) + ":\n");
-    const std::vector<LegacyDocument::View>& views = document.getViews();
+    output.write(makeTerminalText(document.mSource) + ":\n");
+    for (const std::string& line : describeFindings(document.mDocument.getFindings())) {
+        output.write("  " + line + "\n");
+    }
+    const std::vector<ktLegacy::ktLegacyDocument::View>& views = document.mDocument.getViews();
     for (std::size_t index = 0; index < views.size(); ++index) {
-        const std::string view = "  view " + std::to_string(index + 1) + ": ";
-        for (std::size_t message = views[index].mMessagesBegin; message < views[index].mMessagesEnd; ++message) {
-            output.write(view + makeTerminalText(document.getMessages()[message]) + "\n");
-        }
         if (views[index].mIsMissing) {
-            output.write(view + "refused\n");
+            output.write("  view " + std::to_string(index + 1) + ": refused\n");
         }
     }
-    for (const LegacyDocument::Problem& problem : document.getProblems()) {
-        if (document.getKind() == LegacyDocument::Kind::Stream) {
-            output.write("  object " + std::to_string(problem.mObject) + ", byte " + std::to_string(problem.mOffset) +
-                         ": " + makeTerminalText(problem.mWhat) + "\n");
-        } else {
-            output.write("  " + makeTerminalText(problem.mWhat) + "\n");
-        }
-    }
-    if (!document.getLimit().empty()) {
-        output.write("  a limit was reached: " + document.getLimit() + "\n");
+    if (!document.mDocument.getLimit().empty()) {
+        output.write("  a limit was reached: " + document.mDocument.getLimit() + "\n");
     }
 }
 
 void CheckCommand::printSummary(TextOutput& output, const DocumentCensus& census, const std::string& passedOver) {
     std::string text = countOf(census.mDocuments, "document") + ": " + census.describeContent();
-    text += "; " + countOf(census.mProblems, "problem") + ", " + countOf(census.mMessages, "message");
+    text += "; " + countOf(census.mFindings, "finding");
     text +=
         "; refused: " + countOf(census.mRefusedDocuments, "document") + ", " + countOf(census.mRefusedViews, "view");
     if (census.mUnreadableDocuments != 0) {
@@ -101,26 +92,23 @@ void CheckCommand::printSummary(TextOutput& output, const DocumentCensus& census
     output.write(text + "\n");
 }
 
-void CheckCommand::writeJson(TextOutput& output, const LegacyDocument& document) {
+void CheckCommand::writeJson(TextOutput& output, const SourceDocument& document) {
     JsonWriter json(output);
     LegacyJson content(json);
     json.beginObject();
-    if (!document.isLoaded()) {
+    if (!document.mDocument.isLoaded()) {
         content.writeRefusal(document);
     } else {
         DocumentCensus census;
         census.add(document);
-        json.key("source").text(document.getSource());
-        json.key("kind").text(LegacyJson::getKindWord(document.getKind()));
-        json.key("streamError").boolean(document.hasStreamError());
-        content.writeFindings(document);
-        json.key("views").number(census.mViews);
-        json.key("refusedViews").number(census.mRefusedViews);
-        json.key("annotations").number(census.mAnnotations);
-        json.key("children").number(census.mChildren);
-        if (!document.getLimit().empty()) {
-            json.key("limit").text(document.getLimit());
-        }
+        json.key("source").text(document.mSource);
+        json.key("kind").text(LegacyJson::getKindWord(document.mDocument.getKind()));
+        json.key("streamError").boolean(document.mDocument.hasStreamError());
+        content.writeFindings(document.mDocument);
+        json.key("viewCount").number(census.mViews);
+        json.key("refusedViewCount").number(census.mRefusedViews);
+        json.key("annotationCount").number(census.mAnnotations);
+        json.key("childCount").number(census.mChildren);
     }
     json.endObject();
     json.endLine();

@@ -3,7 +3,6 @@
 /// @file
 /// The command check.
 
-#include "tools/ktannot/LegacyDocument.h"
 #include "tools/ktannot/commands/Command.h"
 #include "tools/ktannot/report/DocumentCensus.h"
 
@@ -19,9 +18,9 @@ public:
     ExitCode run(Channels& channels) override;
 
 private:
-    static void printFindings(TextOutput& output, const LegacyDocument& document);
+    static void printFindings(TextOutput& output, const SourceDocument& document);
     static void printSummary(TextOutput& output, const DocumentCensus& census, const std::string& passedOver);
-    static void writeJson(TextOutput& output, const LegacyDocument& document);
+    static void writeJson(TextOutput& output, const SourceDocument& document);
 
     std::vector<std::string> mArguments;
     bool mIsJson = false;

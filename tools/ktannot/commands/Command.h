@@ -3,7 +3,7 @@
 /// @file
 /// Base of the tool's commands.
 
-#include "tools/ktannot/DocumentLog.h"
+#include "tools/ktannot/ProcessLog.h"
 #include "tools/ktannot/console/Console.h"
 #include "tools/ktannot/report/ExitCode.h"
 
@@ -26,7 +26,7 @@ public:
     /// initialised while a command runs.
     struct Channels {
         Console& mConsole;
-        DocumentLog& mLog;
+        ProcessLog& mLog;
     };
 
     Command() = default;

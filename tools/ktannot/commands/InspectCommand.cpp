@@ -1,5 +1,6 @@
 #include "tools/ktannot/commands/InspectCommand.h"
 
+#include "tools/ktannot/batch/DocumentLoader.h"
 #include "tools/ktannot/batch/InputSet.h"
 #include "tools/ktannot/report/DocumentNotices.h"
 #include "tools/ktannot/report/LegacyJson.h"
@@ -32,18 +33,16 @@ ExitCode InspectCommand::run(Channels& channels) {
     LegacyTree tree(console.out(), Console::isColored(mColor));
     ExitCode outcome = ExitCode::AllWell;
     for (std::size_t index = 0; index < inputs.size(); ++index) {
-        DocumentLog::Capture log;
-        const LegacyDocument document = LegacyDocument::load(inputs[index], mMemoryLimit);
-        if (document.getState() == LegacyDocument::State::Skipped) {
+        const SourceDocument document = loadDocument(inputs[index], mMemoryLimit);
+        if (document.mIsSkipped) {
             continue;
         }
         if (mIsJson) {
             LegacyJson(json).writeDocument(document);
-        } else if (document.isLoaded()) {
+        } else if (document.mDocument.isLoaded()) {
             tree.print(document);
         }
         tellRefusal(console, document);
-        tellLog(console, document, log.getLines());
         outcome = worst(outcome, document.getOutcome());
     }
     return outcome;

@@ -41,17 +41,16 @@ std::string MigrateCommand::getDetails() const {
 
 void MigrateCommand::declareOptions(CLI::App& app) { mOptions.declare(app); }
 
-void MigrateCommand::openLogFile(DocumentLog& log) const {
+void MigrateCommand::openLogFile(ProcessLog& log) const {
     if (!mOptions.mLogPath) {
         return;
     }
-    log.setThreshold(kt::ktLog::Debug);
     const auto file = std::make_shared<SideOutput>(*mOptions.mLogPath, SideOutput::Way::Append);
     if (!file->getFailure().empty()) {
         throw EnvironmentError(*mOptions.mLogPath + ": the log file " + file->getFailure());
     }
     const auto text = std::make_shared<TextOutput>(file->getDescriptor());
-    log.setListener([file, text](const kt::ktLogEntry& entry) {
+    log.setListener(kt::ktLog::Debug, [file, text](const kt::ktLogEntry& entry) {
         text->write(std::to_string(entry.mMilliseconds) + " [" + std::to_string(entry.mType) + "] " +
                     makeTerminalText(entry.mMessage) + "\n");
         text->flush();

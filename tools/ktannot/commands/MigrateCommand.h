@@ -29,7 +29,7 @@ private:
     /// Null when none is wanted.
     /// @param isContinued  whether it has lines that stay.
     std::unique_ptr<MigrationReportFile> openReport(bool isContinued) const;
-    void openLogFile(DocumentLog& log) const;
+    void openLogFile(ProcessLog& log) const;
 
     MigrateOptions mOptions;
 };

@@ -2,7 +2,7 @@
 
 #include "platform/svg/SvgWriter.h"
 #include "tools/ktannot/UsageError.h"
-#include "tools/ktannot/batch/MetadataAcceptance.h"
+#include "tools/ktannot/batch/AcceptedLosses.h"
 #include "tools/ktannot/batch/OutputCheck.h"
 #include "tools/ktannot/commands/Command.h"
 #include "tools/ktannot/console/TextOutput.h"
@@ -69,8 +69,8 @@ void MigrateOptions::declareInput(CLI::App& app) {
         ->type_name("DIR")
         ->group(sInput);
     app.add_option("--accept", mAcceptedWords,
-                   "Legacy metadata that may be dropped: view-metadata, known-metadata, other-metadata, with commas "
-                   "between them, or all; what carries other metadata is refused")
+                   "What drawings may lack: view-metadata, known-metadata, other-metadata or all of them, "
+                   "missing-pictures, failed-annotations, with commas between them; what lacks more is refused")
         ->type_name("WORDS")
         ->group(sLeftOut);
 }
@@ -148,12 +148,14 @@ void MigrateOptions::check() {
     if (!mShardText.empty()) {
         parseShard();
     }
-    const std::optional<int> accepted = MetadataAcceptance::parse(mAcceptedWords);
+    const std::optional<int> accepted = parseAcceptedLosses(mAcceptedWords);
     if (!mAcceptedWords.empty() && !accepted) {
-        throw UsageError("--accept takes view-metadata, known-metadata, other-metadata or all, not '" + mAcceptedWords +
-                         "'");
+        throw UsageError(
+            "--accept takes view-metadata, known-metadata, other-metadata, all, missing-pictures or "
+            "failed-annotations, not '" +
+            mAcceptedWords + "'");
     }
-    mMigration.mAcceptedMetadata = accepted.value_or(0);
+    mMigration.mAcceptedLosses = accepted.value_or(0);
     mMigration.mHeadSize = static_cast<float>(mHeadSize);
     if (!std::isfinite(mMigration.mHeadSize) || !(mMigration.mHeadSize > 0.0F)) {
         throw UsageError("--head-size takes a finite number above 0");

@@ -12,16 +12,21 @@ bool isDigit(char character) { return character >= '0' && character <= '9'; }
 
 }  // namespace
 
-std::string findCause(std::string_view message, std::string_view remedy) {
-    if (remedy == "view-metadata") {
-        return "metadata of the view";
+std::string findCause(const ktLegacy::ktLegacyFinding& finding) {
+    using ktLegacy::ktFindingCode;
+    switch (finding.mCode) {
+        case ktFindingCode::ViewMetadata:
+            return "metadata of the view";
+        case ktFindingCode::KnownMetadata:
+            return "metadata under known keys";
+        case ktFindingCode::OtherMetadata:
+            return "metadata under other keys";
+        default:
+            return ktLegacy::getFindingKind(finding.mCode).mSentence;
     }
-    if (remedy == "known-metadata") {
-        return "metadata under known keys";
-    }
-    if (remedy == "other-metadata") {
-        return "metadata under other keys";
-    }
+}
+
+std::string findCause(std::string_view message) {
     std::string cause;
     for (std::size_t index = 0; index < message.size() && cause.size() < sMaxLength; ++index) {
         const char character = message[index];

@@ -4,17 +4,18 @@
 
 namespace ktannot {
 
-void DocumentCensus::add(const LegacyDocument& document) {
-    if (document.getState() == LegacyDocument::State::Skipped) {
+void DocumentCensus::add(const SourceDocument& source) {
+    using ktLegacy::ktLegacyDocument;
+    if (source.mIsSkipped) {
         ++mSkippedFiles;
         return;
     }
+    const ktLegacyDocument& document = source.mDocument;
     ++mDocuments;
-    mRefusedDocuments += document.getState() == LegacyDocument::State::Refused ? 1U : 0U;
-    mUnreadableDocuments += document.getState() == LegacyDocument::State::Unreadable ? 1U : 0U;
-    mProblems += document.getProblems().size();
-    mMessages += document.getMessages().size();
-    for (const LegacyDocument::View& view : document.getViews()) {
+    mRefusedDocuments += document.getState() == ktLegacyDocument::State::Refused ? 1U : 0U;
+    mUnreadableDocuments += document.getState() == ktLegacyDocument::State::Unreadable ? 1U : 0U;
+    mFindings += document.isLoaded() ? document.getFindings().size() : 0;
+    for (const ktLegacyDocument::View& view : document.getViews()) {
         if (!view.mView) {
             ++mRefusedViews;
             continue;

@@ -3,8 +3,8 @@
 /// @file
 /// Counts of what documents hold.
 
-#include "tools/ktannot/LegacyDocument.h"
 #include "tools/ktannot/report/CountOf.h"
+#include "tools/ktannot/report/SourceDocument.h"
 
 #include <cstddef>
 #include <string>
@@ -21,10 +21,9 @@ struct DocumentCensus {
     std::size_t mRefusedViews = 0;
     std::size_t mAnnotations = 0;  ///< at the top level of views
     std::size_t mChildren = 0;     ///< below them
-    std::size_t mProblems = 0;
-    std::size_t mMessages = 0;
+    std::size_t mFindings = 0;
 
-    void add(const LegacyDocument& document);
+    void add(const SourceDocument& document);
 
     /// "2 views, 14 annotations (22 children)".
     std::string describeContent() const;

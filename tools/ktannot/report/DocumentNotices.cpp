@@ -4,24 +4,18 @@
 
 namespace ktannot {
 
-std::string describeRefusal(const LegacyDocument& document) {
-    const bool isRefused = document.getState() == LegacyDocument::State::Refused;
-    return makeTerminalText(document.getSource()) + ": " + (isRefused ? "refused: " : "") +
+std::string describeRefusal(const SourceDocument& document) {
+    const bool isRefused = document.mDocument.getState() == ktLegacy::ktLegacyDocument::State::Refused;
+    return makeTerminalText(document.mSource) + ": " + (isRefused ? "refused: " : "") +
            makeTerminalText(document.getReason());
 }
 
-void tellRefusal(Console& console, const LegacyDocument& document) {
+void tellRefusal(Console& console, const SourceDocument& document) {
     if (!document.getReason().empty()) {
         console.tell("ktannot: " + describeRefusal(document));
-    } else if (!document.getLimit().empty()) {
-        console.tell("ktannot: " + makeTerminalText(document.getSource()) +
-                     ": a limit was reached: " + document.getLimit());
-    }
-}
-
-void tellLog(Console& console, const LegacyDocument& document, const std::vector<DocumentLog::Line>& lines) {
-    for (const DocumentLog::Line& line : lines) {
-        console.tell("ktannot: " + makeTerminalText(document.getSource()) + ": " + makeTerminalText(line.mMessage));
+    } else if (!document.mDocument.getLimit().empty()) {
+        console.tell("ktannot: " + makeTerminalText(document.mSource) +
+                     ": a limit was reached: " + document.mDocument.getLimit());
     }
 }
 

@@ -2,10 +2,13 @@
 
 #include "tools/ktannot/console/TerminalText.h"
 #include "tools/ktannot/report/Cause.h"
+#include "tools/ktannot/report/FindingJson.h"
+#include "tools/ktannot/report/FindingText.h"
 #include "tools/ktannot/report/JsonWriter.h"
 #include "tools/ktannot/report/LegacyJson.h"
 
 #include <array>
+#include <utility>
 #include <vector>
 
 namespace ktannot {
@@ -19,9 +22,8 @@ constexpr std::array<const char*, 6> sStateNames{"written", "skipped", "refused"
 
 const char* getStateName(State state) { return sStateNames[static_cast<std::size_t>(state)]; }
 
-std::string getObjectPlace(const LegacyDocument::Problem& problem) {
-    return problem.mObject == 0 ? std::string() : "object " + std::to_string(problem.mObject) + ": ";
-}
+using ktLegacy::ktLegacyDocument;
+using ktLegacy::ktLegacyFinding;
 
 void writeTexts(JsonWriter& json, const char* key, const std::vector<std::string>& texts) {
     if (texts.empty()) {
@@ -34,16 +36,50 @@ void writeTexts(JsonWriter& json, const char* key, const std::vector<std::string
     json.endArray();
 }
 
-void writeFinding(JsonWriter& json, const char* severity, std::string_view what) {
-    json.beginObject();
-    json.key("severity").text(severity);
-    json.key("what").text(what);
-    json.endObject();
+/// The sentences of what a drawing lacks, those about single annotations with their names.
+std::vector<std::string> getWarnings(const std::vector<ktLegacyFinding>& findings) {
+    std::vector<std::string> warnings;
+    for (const ktLegacyFinding& finding : findings) {
+        warnings.push_back((finding.mAnnotation ? "annotation '" + finding.mAnnotationName + "': " : "") +
+                           finding.mWhat);
+    }
+    return warnings;
 }
 
-void writeProblems(JsonWriter& json, const LegacyDocument& document) {
+/// What a word of --accept does.
+const char* getEffect(std::string_view word) {
+    if (word == "failed-annotations") {
+        return " draws the view without the annotation";
+    }
+    return word == "missing-pictures" ? " draws a crossed box in its place"
+                                      : " drops the metadata and migrates the view";
+}
+
+/// The document's findings, of its reading and of its results.
+std::vector<ktLegacyFinding> getFindings(const DocumentResult& result) {
+    std::vector<ktLegacyFinding> findings = result.mDocument.mDocument.getFindings();
+    findings.insert(findings.end(), result.mFindings.begin(), result.mFindings.end());
+    if (!result.mReason.empty()) {
+        findings.emplace_back(ktLegacy::ktFindingCode::OutputNotWritten, result.mReason);
+    }
+    return findings;
+}
+
+/// The view's findings; what kept it from being made or written comes as one, too.
+std::vector<ktLegacyFinding> getFindings(const ViewResult& view, std::size_t number) {
+    std::vector<ktLegacyFinding> findings = view.mFindings;
+    if (view.mState == State::Failed && !view.mReason.empty()) {
+        ktLegacyFinding& failure =
+            findings.emplace_back(ktLegacyFinding(ktLegacy::ktFindingCode::OutputNotWritten, view.mReason));
+        failure.mView = number - 1;
+        failure.mViewName = view.mName;
+    }
+    return findings;
+}
+
+void writeProblems(JsonWriter& json, const ktLegacyDocument& document) {
     json.key("problems").beginArray();
-    for (const LegacyDocument::Problem& problem : document.getProblems()) {
+    for (const ktLegacyDocument::Problem& problem : document.getProblems()) {
         json.beginObject();
         json.key("object").number(problem.mObject);
         json.key("offset").number(problem.mOffset);
@@ -63,10 +99,16 @@ void writeViewOfWhole(JsonWriter& json, const ViewResult& view) {
     if (!view.mReason.empty()) {
         json.key("reason").text(view.mReason);
     }
-    if (!view.mRemedy.empty()) {
-        json.key("accept").text(view.mRemedy);
+    if (!view.getAcceptWord().empty()) {
+        json.key("accept").text(view.getAcceptWord());
     }
-    writeTexts(json, "warnings", view.mWarnings);
+    if (view.mState != State::Refused) {
+        writeTexts(json, "warnings", getWarnings(view.mFindings));
+    }
+    if (!view.mFindings.empty()) {
+        json.key("findings");
+        writeFindingsJson(json, view.mFindings);
+    }
     json.endObject();
 }
 
@@ -79,17 +121,11 @@ void writeViewOfLine(JsonWriter& json, std::size_t number, const ViewResult& vie
     if (!view.mFile.empty()) {
         json.key("file").text(view.mFile);
     }
-    if (!view.mRemedy.empty()) {
-        json.key("accept").text(view.mRemedy);
+    if (!view.getAcceptWord().empty()) {
+        json.key("accept").text(view.getAcceptWord());
     }
-    json.key("findings").beginArray();
-    if (!view.mReason.empty()) {
-        writeFinding(json, "error", view.mReason);
-    }
-    for (const std::string& warning : view.mWarnings) {
-        writeFinding(json, "warning", warning);
-    }
-    json.endArray();
+    json.key("findings");
+    writeFindingsJson(json, getFindings(view, number));
     json.endObject();
 }
 
@@ -115,37 +151,44 @@ DocumentReport DocumentReporter::report(const DocumentResult& result) const {
 }
 
 void DocumentReporter::tell(const DocumentResult& result, DocumentReport& report) const {
-    const LegacyDocument& document = result.mDocument;
-    const std::string source = makeTerminalText(document.getSource()) + ": ";
-    const auto add = [&](const std::string& what, const std::string& place = {}) {
-        report.getGroup(Group::Kind::Message, findCause(what)).add(source + place + makeTerminalText(what));
-    };
-    if (!result.getReason().empty()) {
-        add(result.getReason());
+    const ktLegacyDocument& document = result.mDocument.mDocument;
+    const std::string source = makeTerminalText(result.mDocument.mSource) + ": ";
+    if (const std::string reason = result.getReason(); !reason.empty()) {
+        const std::string cause = document.isLoaded() ? findCause(reason) : findCause(document.getFindings().back());
+        report.getGroup(Group::Kind::Message, cause).add(source + makeTerminalText(reason));
     } else if (!document.getLimit().empty()) {
-        add("a limit was reached: " + document.getLimit());
+        report.getGroup(Group::Kind::Message, "a limit was reached")
+            .add(source + "a limit was reached: " + makeTerminalText(document.getLimit()));
     }
-    for (const LegacyDocument::Problem& problem : document.getProblems()) {
-        add(problem.mWhat, getObjectPlace(problem));
+    if (document.isLoaded()) {
+        for (const ktLegacyFinding& finding : document.getFindings()) {
+            tellFinding(source, finding, report);
+        }
     }
-    for (const std::string& message : document.getMessages()) {
-        add(message);
-    }
-    for (const std::string& warning : result.mWarnings) {
-        add(warning);
+    for (const ktLegacyFinding& finding : result.mFindings) {
+        tellFinding(source, finding, report);
     }
     for (std::size_t index = 0; index < result.mViews.size(); ++index) {
         tellView(result, index, report);
     }
 }
 
+void DocumentReporter::tellFinding(const std::string& source, const ktLegacyFinding& finding, DocumentReport& report) {
+    if (finding.getSeverity() != ktLegacy::ktFindingSeverity::Note) {
+        report.getGroup(Group::Kind::Message, findCause(finding)).add(source + describeFinding(finding));
+    }
+}
+
 void DocumentReporter::tellView(const DocumentResult& result, std::size_t index, DocumentReport& report) const {
     const ViewResult& view = result.mViews[index];
+    const std::string source = makeTerminalText(result.mDocument.mSource) + ": ";
     const std::string place =
-        makeTerminalText(result.mDocument.getSource()) + ": view " +
-        (view.mName.empty() ? std::to_string(index + 1) : "'" + makeTerminalText(view.mName) + "'") + ": ";
-    for (const std::string& warning : view.mWarnings) {
-        report.getGroup(Group::Kind::Message, findCause(warning)).add(place + makeTerminalText(warning));
+        source + "view " + (view.mName.empty() ? std::to_string(index + 1) : "'" + makeTerminalText(view.mName) + "'") +
+        ": ";
+    if (view.mState != State::Refused) {
+        for (const ktLegacyFinding& finding : view.mFindings) {
+            tellFinding(source, finding, report);
+        }
     }
     switch (view.mState) {
         case State::Written:
@@ -156,11 +199,14 @@ void DocumentReporter::tellView(const DocumentResult& result, std::size_t index,
             break;
         case State::Refused: {
             std::string line = place + makeTerminalText(view.mReason);
-            if (!view.mRemedy.empty()) {
-                line += " (--accept " + std::string(view.mRemedy) + " drops the metadata and migrates the view)";
+            const std::string_view word = view.getAcceptWord();
+            if (!word.empty()) {
+                line += " (--accept " + std::string(word) + getEffect(word) + ")";
             }
-            Group& group = report.getGroup(Group::Kind::RefusedView, findCause(view.mReason, view.mRemedy));
-            group.mRemedy = view.mRemedy.empty() ? std::string() : "--accept " + std::string(view.mRemedy);
+            Group& group =
+                report.getGroup(Group::Kind::RefusedView,
+                                view.mFindings.empty() ? findCause(view.mReason) : findCause(view.mFindings.back()));
+            group.mRemedy = word.empty() ? std::string() : "--accept " + std::string(word);
             group.add(std::move(line));
             break;
         }
@@ -179,9 +225,9 @@ void DocumentReporter::tellView(const DocumentResult& result, std::size_t index,
 }
 
 void DocumentReporter::writeWhole(JsonWriter& json, const DocumentResult& result) const {
-    const LegacyDocument& document = result.mDocument;
+    const ktLegacyDocument& document = result.mDocument.mDocument;
     json.beginObject();
-    json.key("source").text(document.getSource());
+    json.key("source").text(result.mDocument.mSource);
     json.key("exit").number(static_cast<int>(result.mOutcome));
     if (!result.getReason().empty()) {
         json.key("reason").text(result.getReason());
@@ -190,8 +236,10 @@ void DocumentReporter::writeWhole(JsonWriter& json, const DocumentResult& result
         json.key("limit").text(document.getLimit());
     }
     writeTexts(json, "messages", document.getMessages());
-    writeTexts(json, "warnings", result.mWarnings);
+    writeTexts(json, "warnings", getWarnings(result.mFindings));
     writeProblems(json, document);
+    json.key("findings");
+    writeFindingsJson(json, getFindings(result));
     json.key("views").beginArray();
     for (const ViewResult& view : result.mViews) {
         if (view.mState != State::Unwanted) {
@@ -203,9 +251,9 @@ void DocumentReporter::writeWhole(JsonWriter& json, const DocumentResult& result
 }
 
 void DocumentReporter::writeLine(JsonWriter& json, const DocumentResult& result) const {
-    const LegacyDocument& document = result.mDocument;
+    const ktLegacyDocument& document = result.mDocument.mDocument;
     json.beginObject();
-    json.key("source").text(document.getSource());
+    json.key("source").text(result.mDocument.mSource);
     if (result.mFacts.mIsKnown) {
         json.key("size").number(result.mFacts.mSize);
         json.key("mtime").number(result.mFacts.mModified);
@@ -226,27 +274,8 @@ void DocumentReporter::writeLine(JsonWriter& json, const DocumentResult& result)
         }
     }
     json.endArray();
-    json.key("findings").beginArray();
-    if (!result.getReason().empty()) {
-        writeFinding(json, "error", result.getReason());
-    }
-    if (!document.getLimit().empty()) {
-        writeFinding(json, "error", "a limit was reached: " + document.getLimit());
-    }
-    for (const LegacyDocument::Problem& problem : document.getProblems()) {
-        json.beginObject();
-        json.key("severity").text("warning");
-        json.key("what").text(problem.mWhat);
-        json.key("object").number(problem.mObject);
-        json.key("offset").number(problem.mOffset);
-        json.endObject();
-    }
-    for (const std::vector<std::string>* texts : {&document.getMessages(), &result.mWarnings}) {
-        for (const std::string& text : *texts) {
-            writeFinding(json, "warning", text);
-        }
-    }
-    json.endArray();
+    json.key("findings");
+    writeFindingsJson(json, getFindings(result));
     json.endObject();
     json.endLine();
 }

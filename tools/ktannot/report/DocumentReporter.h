@@ -25,6 +25,8 @@ public:
 
 private:
     void tell(const DocumentResult& result, DocumentReport& report) const;
+    static void tellFinding(const std::string& source, const ktLegacy::ktLegacyFinding& finding,
+                            DocumentReport& report);
     void tellView(const DocumentResult& result, std::size_t index, DocumentReport& report) const;
     void writeWhole(JsonWriter& json, const DocumentResult& result) const;
     void writeLine(JsonWriter& json, const DocumentResult& result) const;

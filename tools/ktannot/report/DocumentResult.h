@@ -3,8 +3,8 @@
 /// @file
 /// What became of one document.
 
-#include "tools/ktannot/LegacyDocument.h"
-#include "tools/ktannot/report/ExitCode.h"
+#include "document/ktLegacyFinding.h"
+#include "tools/ktannot/report/SourceDocument.h"
 
 #include <cstdint>
 #include <string>
@@ -27,10 +27,18 @@ struct ViewResult {
 
     State mState = State::Refused;
     std::string mName;
-    std::string mFile;                   ///< the drawing; empty when none was meant to be written
-    std::string mReason;                 ///< why there is no drawing
-    std::string_view mRemedy;            ///< word of --accept that would have let the view pass; may be empty
-    std::vector<std::string> mWarnings;  ///< what the drawing lacks
+    std::string mFile;    ///< the drawing; empty when none was meant to be written
+    std::string mReason;  ///< why there is no drawing
+    /// Of the migration and the drawing; of a refused view the one that says why.
+    std::vector<ktLegacy::ktLegacyFinding> mFindings;
+
+    /// Word of --accept that would have let the view pass; may be empty.
+    std::string_view getAcceptWord() const {
+        constexpr std::string_view sOption = "--accept ";
+        const bool isRefused = mState == State::Refused && !mFindings.empty();
+        const std::string_view remedy = isRefused ? std::string_view(mFindings.back().mRemedy) : std::string_view();
+        return remedy.starts_with(sOption) ? remedy.substr(sOption.size()) : std::string_view();
+    }
 };
 
 /// The file that a document was read from.
@@ -43,19 +51,19 @@ struct SourceFacts {
 
 /// What became of one document. The document's own findings are kept, its views are released.
 struct DocumentResult {
-    explicit DocumentResult(LegacyDocument document) : mDocument(std::move(document)) {}
+    explicit DocumentResult(SourceDocument document) : mDocument(std::move(document)) {}
 
     /// A ".json" file of a folder that turned out to be no document.
-    bool isSkippedFile() const { return mDocument.getState() == LegacyDocument::State::Skipped; }
+    bool isSkippedFile() const { return mDocument.mIsSkipped; }
     /// Why there are no drawings of the document at all; empty when there may be some.
-    const std::string& getReason() const { return mReason.empty() ? mDocument.getReason() : mReason; }
+    std::string getReason() const { return mReason.empty() ? mDocument.getReason() : mReason; }
 
-    LegacyDocument mDocument;
+    SourceDocument mDocument;
     std::vector<ViewResult> mViews;
-    std::string mText;                   ///< for standard output
-    std::string mFile;                   ///< the dump; empty when none is written
-    std::vector<std::string> mWarnings;  ///< of the document as a whole, beyond what its reading says
-    std::string mReason;                 ///< why the document as a whole was not migrated, beyond what its reading says
+    std::string mText;                                 ///< for standard output
+    std::string mFile;                                 ///< the dump; empty when none is written
+    std::vector<ktLegacy::ktLegacyFinding> mFindings;  ///< beside those of the document and of single views
+    std::string mReason;  ///< why the document as a whole was not migrated, beyond what its reading says
     ExitCode mOutcome = ExitCode::AllWell;
     SourceFacts mFacts;
     double mSeconds = 0.0;    ///< that it took

@@ -1,29 +1,33 @@
 #include "tools/ktannot/report/LegacyJson.h"
 
+#include "tools/ktannot/report/FindingJson.h"
+
 namespace ktannot {
 
 using ktLegacy::ktAnnotationInterface;
 using ktLegacy::ktAnnotationRaster;
 using ktLegacy::ktAnnotationText;
+using ktLegacy::ktLegacyDocument;
 
-const char* LegacyJson::getKindWord(LegacyDocument::Kind kind) {
-    return kind == LegacyDocument::Kind::Stream ? "stream" : "variant";
+const char* LegacyJson::getKindWord(ktLegacyDocument::Kind kind) {
+    return kind == ktLegacyDocument::Kind::Stream ? "stream" : "variant";
 }
 
-void LegacyJson::writeDocument(const LegacyDocument& document) {
+void LegacyJson::writeDocument(const SourceDocument& source) {
+    const ktLegacyDocument& document = source.mDocument;
     mJson.beginObject();
     if (!document.isLoaded()) {
-        writeRefusal(document);
+        writeRefusal(source);
     } else {
-        mJson.key("source").text(document.getSource());
+        mJson.key("source").text(source.mSource);
         mJson.key("kind").text(getKindWord(document.getKind()));
-        if (document.getKind() == LegacyDocument::Kind::Stream) {
-            mJson.key("version").text(document.getVersion());
+        if (document.getKind() == ktLegacyDocument::Kind::Stream) {
+            mJson.key("version").text(document.getVersion().toString());
         }
         mJson.key("streamError").boolean(document.hasStreamError());
         writeFindings(document);
         mJson.key("views").beginArray();
-        for (const LegacyDocument::View& view : document.getViews()) {
+        for (const ktLegacyDocument::View& view : document.getViews()) {
             writeView(view, document.getKind());
         }
         mJson.endArray();
@@ -32,19 +36,21 @@ void LegacyJson::writeDocument(const LegacyDocument& document) {
     mJson.endLine();
 }
 
-void LegacyJson::writeRefusal(const LegacyDocument& document) {
-    mJson.key("source").text(document.getSource());
+void LegacyJson::writeRefusal(const SourceDocument& document) {
+    mJson.key("source").text(document.mSource);
     mJson.key("refused").text(document.getReason());
+    mJson.key("findings");
+    writeFindingsJson(mJson, document.mDocument.getFindings());
 }
 
-void LegacyJson::writeFindings(const LegacyDocument& document) {
+void LegacyJson::writeFindings(const ktLegacyDocument& document) {
     mJson.key("messages").beginArray();
     for (const std::string& message : document.getMessages()) {
         mJson.text(message);
     }
     mJson.endArray();
     mJson.key("problems").beginArray();
-    for (const LegacyDocument::Problem& problem : document.getProblems()) {
+    for (const ktLegacyDocument::Problem& problem : document.getProblems()) {
         mJson.beginObject();
         mJson.key("object").number(problem.mObject);
         mJson.key("offset").number(problem.mOffset);
@@ -52,16 +58,21 @@ void LegacyJson::writeFindings(const LegacyDocument& document) {
         mJson.endObject();
     }
     mJson.endArray();
+    mJson.key("findings");
+    writeFindingsJson(mJson, document.getFindings());
+    if (!document.getLimit().empty()) {
+        mJson.key("limit").text(document.getLimit());
+    }
 }
 
-void LegacyJson::writeView(const LegacyDocument::View& view, LegacyDocument::Kind kind) {
+void LegacyJson::writeView(const ktLegacyDocument::View& view, ktLegacyDocument::Kind kind) {
     if (!view.mView) {
         mJson.null();
         return;
     }
     mJson.beginObject();
-    if (kind == LegacyDocument::Kind::Variant) {
-        mJson.key("version").text(view.mVersion);
+    if (kind == ktLegacyDocument::Kind::Variant) {
+        mJson.key("version").text(view.mVersion.toString());
     }
     mJson.key("name").text(view.mView->mName);
     mJson.key("origin").vector(view.mView->mOrigin);

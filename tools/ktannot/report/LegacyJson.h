@@ -7,8 +7,8 @@
 #include "legacy/ktAnnotationRaster.h"
 #include "legacy/ktAnnotationText.h"
 #include "legacy/ktAnnotationView.h"
-#include "tools/ktannot/LegacyDocument.h"
 #include "tools/ktannot/report/JsonWriter.h"
+#include "tools/ktannot/report/SourceDocument.h"
 
 namespace ktannot {
 
@@ -19,15 +19,15 @@ public:
     explicit LegacyJson(JsonWriter& json) : mJson(json) {}
 
     /// One line for a document: its content, or why there is none.
-    void writeDocument(const LegacyDocument& document);
-    /// The members "source" and "refused" of a document without content.
-    void writeRefusal(const LegacyDocument& document);
-    /// The members "messages" and "problems".
-    void writeFindings(const LegacyDocument& document);
+    void writeDocument(const SourceDocument& document);
+    /// The members "source", "refused" and "findings" of a document without content.
+    void writeRefusal(const SourceDocument& document);
+    /// The members "messages", "problems", "findings" and "limit".
+    void writeFindings(const ktLegacy::ktLegacyDocument& document);
     /// One view with everything in it; null for a missing one.
-    void writeView(const LegacyDocument::View& view, LegacyDocument::Kind kind);
+    void writeView(const ktLegacy::ktLegacyDocument::View& view, ktLegacy::ktLegacyDocument::Kind kind);
 
-    static const char* getKindWord(LegacyDocument::Kind kind);
+    static const char* getKindWord(ktLegacy::ktLegacyDocument::Kind kind);
 
 private:
     void writeAnnotation(const ktLegacy::ktAnnotationInterface* annotation);

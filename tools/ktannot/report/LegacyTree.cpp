@@ -5,18 +5,21 @@
 #include "platform/encoding/Hex.h"
 #include "tools/ktannot/console/TerminalText.h"
 #include "tools/ktannot/report/DocumentCensus.h"
+#include "tools/ktannot/report/FindingText.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdint>
 #include <string_view>
+#include <utility>
 
 namespace ktannot {
 
 using ktLegacy::ktAnnotationInterface;
 using ktLegacy::ktAnnotationRaster;
 using ktLegacy::ktAnnotationText;
+using ktLegacy::ktLegacyDocument;
 
 namespace {
 
@@ -91,42 +94,37 @@ std::string describeMeasure(const ktAnnotationInterface::MeasureLeader& measure)
            formatVector(measure.mOffsetVector) + "  " + getWord(sArrows, measure.mArrowDirection);
 }
 
-std::string describeDocument(const LegacyDocument& document) {
+std::string describeDocument(const SourceDocument& source) {
     DocumentCensus census;
-    census.add(document);
-    const std::string kind = document.getKind() == LegacyDocument::Kind::Stream
-                                 ? "binary document of version " + document.getVersion()
-                                 : std::string("variant document");
-    return kind + ", " + census.describeContent();
-}
-
-std::string describeProblem(const LegacyDocument::Problem& problem) {
-    return "object " + std::to_string(problem.mObject) + ", byte " + std::to_string(problem.mOffset) + ": " +
-           problem.mWhat;
+    census.add(source);
+    const bool isStream = source.mDocument.getKind() == ktLegacyDocument::Kind::Stream;
+    return (isStream ? "binary document of version " + source.mDocument.getVersion().toString()
+                     : std::string("variant document")) +
+           ", " + census.describeContent();
 }
 
 /// What is wrong, by view; what belongs to no view comes last.
-std::vector<std::vector<std::string>> groupFindings(const LegacyDocument& document) {
-    const std::vector<LegacyDocument::View>& views = document.getViews();
-    std::vector<std::vector<std::string>> findings(views.size() + 1);
-    for (std::size_t index = 0; index < views.size(); ++index) {
-        const auto begin = document.getMessages().begin();
-        findings[index].assign(begin + static_cast<std::ptrdiff_t>(views[index].mMessagesBegin),
-                               begin + static_cast<std::ptrdiff_t>(views[index].mMessagesEnd));
+std::vector<std::vector<std::string>> groupFindings(const ktLegacyDocument& document) {
+    std::vector<std::vector<ktLegacy::ktLegacyFinding>> groups(document.getViews().size() + 1);
+    for (ktLegacy::ktLegacyFinding finding : document.getFindings()) {
+        std::vector<ktLegacy::ktLegacyFinding>& group = groups[finding.mView.value_or(groups.size() - 1)];
+        // It stands under its view.
+        finding.mView.reset();
+        group.push_back(std::move(finding));
     }
-    for (const LegacyDocument::Problem& problem : document.getProblems()) {
-        findings[problem.mView.value_or(views.size())].push_back(
-            document.getKind() == LegacyDocument::Kind::Stream ? describeProblem(problem) : problem.mWhat);
+    std::vector<std::vector<std::string>> findings;
+    for (const std::vector<ktLegacy::ktLegacyFinding>& group : groups) {
+        findings.push_back(describeFindings(group));
     }
     return findings;
 }
 
 }  // namespace
 
-void LegacyTree::print(const LegacyDocument& document) {
-    const std::vector<LegacyDocument::View>& views = document.getViews();
-    const std::vector<std::vector<std::string>> findings = groupFindings(document);
-    mTree.root(mTree.paint(TextTree::Style::Heading, makeTerminalText(document.getSource())) + "  " +
+void LegacyTree::print(const SourceDocument& document) {
+    const std::vector<ktLegacyDocument::View>& views = document.mDocument.getViews();
+    const std::vector<std::vector<std::string>> findings = groupFindings(document.mDocument);
+    mTree.root(mTree.paint(TextTree::Style::Heading, makeTerminalText(document.mSource)) + "  " +
                describeDocument(document));
     mTree.enter(views.size() + findings.back().size());
     for (std::size_t index = 0; index < views.size(); ++index) {
@@ -136,7 +134,7 @@ void LegacyTree::print(const LegacyDocument& document) {
     mTree.leave();
 }
 
-void LegacyTree::printView(const LegacyDocument::View& view, std::size_t number,
+void LegacyTree::printView(const ktLegacyDocument::View& view, std::size_t number,
                            const std::vector<std::string>& findings) {
     mTree.line(describeView(view, number));
     mTree.enter((view.mView ? view.mView->mAnnotations.size() : 0) + findings.size());
@@ -151,7 +149,7 @@ void LegacyTree::printView(const LegacyDocument::View& view, std::size_t number,
 
 void LegacyTree::printFindings(const std::vector<std::string>& findings) {
     for (const std::string& finding : findings) {
-        mTree.line(mTree.paint(TextTree::Style::Problem, "! " + makeTerminalText(finding)));
+        mTree.line(mTree.paint(TextTree::Style::Problem, "! " + finding));
     }
 }
 
@@ -175,14 +173,14 @@ void LegacyTree::printAnnotation(const ktAnnotationInterface* annotation, const 
     mTree.leave();
 }
 
-std::string LegacyTree::describeView(const LegacyDocument::View& view, std::size_t number) const {
+std::string LegacyTree::describeView(const ktLegacyDocument::View& view, std::size_t number) const {
     const std::string head = "view " + std::to_string(number);
     if (!view.mView) {
         return head + mTree.paint(TextTree::Style::Problem, " could not be made");
     }
     const ktLegacy::ktAnnotationView& content = *view.mView;
     return head + " " + mTree.paint(TextTree::Style::Name, quote(content.mName, sMaxNameLength)) +
-           (view.mVersion.empty() ? "" : "  version " + view.mVersion) + "  origin " + formatVector(content.mOrigin) +
+           (view.mObject ? "" : "  version " + view.mVersion.toString()) + "  origin " + formatVector(content.mOrigin) +
            "  normal " + formatVector(content.mNormal) + "  axis " + formatVector(content.mAxis) +
            describeMetadata(content.mMetadata);
 }

@@ -9,15 +9,15 @@ void MigrationCounts::add(const DocumentResult& result) {
     }
     ++mDocuments;
     mFailedDocuments += result.getReason().empty() ? 0U : 1U;
-    mProblems +=
-        result.mDocument.getProblems().size() + result.mDocument.getMessages().size() + result.mWarnings.size();
+    mProblems += result.mDocument.mDocument.isLoaded() ? result.mDocument.mDocument.getFindings().size() : 0;
+    mProblems += result.mFindings.size();
     for (const ViewResult& view : result.mViews) {
         mWritten += view.mState == ViewResult::State::Written ? 1U : 0U;
         mPlanned += view.mState == ViewResult::State::Planned ? 1U : 0U;
         mSkippedViews += view.mState == ViewResult::State::Skipped ? 1U : 0U;
         mRefusedViews += view.mState == ViewResult::State::Refused ? 1U : 0U;
         mFailedViews += view.mState == ViewResult::State::Failed ? 1U : 0U;
-        mProblems += view.mWarnings.size();
+        mProblems += view.mState != ViewResult::State::Refused ? view.mFindings.size() : 0;
     }
 }
 

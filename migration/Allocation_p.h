@@ -1,32 +1,16 @@
 #pragma once
 
 /// @file
-/// What the sources of the migration share.
+/// How the migration allocates what it makes.
 
-#include "platform/system/log/ktLogObject.h"
 #include "platform/system/memory/ktBlockPool.h"
-#include "platform/wm4/Wm4Vector3.h"
 
 #include <cstddef>
 #include <memory>
-#include <string>
 #include <utility>
 #include <vector>
 
 namespace ktLegacy::migration {
-
-/// Drawing units of one em, the unit of legacy sizes.
-inline constexpr float sUnitsPerEm = 3.175F;
-
-/// Paint of items without fill or outline.
-inline constexpr const char* sNoPaint = "none";
-inline constexpr const char* sBlackPaint = "#000000";
-
-/// The colour as SVG writes it: "#" and two upper-case hexadecimal digits each for red, green and blue.
-std::string colorToSvgString(const Wm4::Vector3<unsigned char>& color);
-
-/// Begins a line of the log at the type of all the migration's messages; it is written at the end of the statement.
-kt::ktLogObject logFailure();
 
 /// Makes an item of a drawing. Items are many, are made together and die together, so they come from the block pool.
 template <typename Item, typename... Arguments>

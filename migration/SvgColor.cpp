@@ -1,4 +1,6 @@
-#include "migration/MigrationSupport_p.h"
+#include "migration/SvgColor_p.h"
+
+#include <cstddef>
 
 namespace ktLegacy::migration {
 
@@ -12,7 +14,5 @@ std::string colorToSvgString(const Wm4::Vector3<unsigned char>& color) {
     }
     return text;
 }
-
-kt::ktLogObject logFailure() { return {kt::ktLog::Error, nullptr, kt::ktLog::msInstance.load(), nullptr, false}; }
 
 }  // namespace ktLegacy::migration

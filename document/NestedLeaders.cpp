@@ -1,14 +1,11 @@
-#include "tools/ktannot/NestedLeaders.h"
-
+#include "document/NestedLeaders_p.h"
 #include "legacy/annotation/IterateOverAnnotationTreeFunctorInterface.h"
 
-namespace ktannot {
+namespace ktLegacy {
 
 namespace {
 
-using ktLegacy::ktAnnotationInterface;
-
-class NestedLeaderCounter : public ktLegacy::annotation::IterateOverAnnotationTreeFunctorInterface {
+class NestedLeaderCounter : public annotation::IterateOverAnnotationTreeFunctorInterface {
 public:
     void startProcessingAnnot(const ktAnnotationInterface::SubAnnot& entry, bool /*isRoot*/) override {
         if (mDepth >= 2) {
@@ -27,14 +24,13 @@ private:
 
 }  // namespace
 
-std::size_t countNestedLeaders(const ktLegacy::ktAnnotationView& view) {
-    NestedLeaderCounter counter;
-    for (const kt::ktPointer<ktAnnotationInterface>& annotation : view.mAnnotations) {
-        if (annotation != nullptr && !annotation->getSubAnnots().empty()) {
-            counter.iterateOverAnnotationTree(annotation.get());
-        }
+std::size_t countNestedLeaders(ktAnnotationInterface& annotation) {
+    if (annotation.getSubAnnots().empty()) {
+        return 0;
     }
+    NestedLeaderCounter counter;
+    counter.iterateOverAnnotationTree(&annotation);
     return counter.getCount();
 }
 
-}  // namespace ktannot
+}  // namespace ktLegacy
