@@ -118,8 +118,6 @@ void trimSequence(Sequence& sequence, bool leading, bool trailing, IsEmpty isEmp
 ktAnnotationText::TextProperties::TextProperties(const std::string& fontName, float heightEm)
     : mFontName(fontName), mHeight(toStoredHeight(heightEm)) {}
 
-void ktAnnotationText::TextProperties::setHeightEm(float heightEm) { mHeight = toStoredHeight(heightEm); }
-
 void ktAnnotationText::TextProperties::load(kt::ktBaseStream& stream) {
     struct Group {
         std::uint16_t mHeight;

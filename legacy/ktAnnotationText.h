@@ -30,8 +30,6 @@ public:
         ///                  65534, else cut to a whole hundredth in single precision.
         TextProperties(const std::string& fontName, float heightEm);
 
-        /// Sets the height from em by the rule of the constructor.
-        void setHeightEm(float heightEm);
         /// The height in em; one em is 3.175 drawing units.
         float getHeightEm() const { return static_cast<float>(mHeight) / 100.0F; }
 

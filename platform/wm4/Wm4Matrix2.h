@@ -31,7 +31,6 @@ public:
                 mEntry[1][0] * m.mEntry[0][0] + mEntry[1][1] * m.mEntry[1][0],
                 mEntry[1][0] * m.mEntry[0][1] + mEntry[1][1] * m.mEntry[1][1]};
     }
-    constexpr Real Determinant() const { return mEntry[0][0] * mEntry[1][1] - mEntry[0][1] * mEntry[1][0]; }
 
     static const Matrix2 ZERO;
     static const Matrix2 IDENTITY;

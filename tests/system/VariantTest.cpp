@@ -102,11 +102,9 @@ TEST(Variant, TextsOfEveryLengthSurviveCopyAndMove) {
 }
 
 TEST(Variant, TakesAPartOfItself) {
-    ktVariant value(List{List{"inner"}, 2});
-    value = value.editList()->at(0);
-    ASSERT_TRUE(value.isList());
-    EXPECT_EQ(value.getList()->at(0).toString(), "inner");
-    value = std::move(value.editList()->at(0));
+    ktVariant value(Map{{"a", Map{{"b", "inner"}}}});
+    value = (*value.editMap())["a"];
+    value = std::move((*value.editMap())["b"]);
     EXPECT_EQ(value.toString(), "inner");
 }
 

@@ -22,7 +22,6 @@ public:
     const std::string& GetName() const { return mName; }
     const ktRtti* GetParent() const { return mParent; }
 
-    bool IsExactly(const ktRtti& type) const { return &type == this; }
     /// True when this is type or derives from it.
     bool IsDerived(const ktRtti& type) const {
         for (const ktRtti* record = this; record != nullptr; record = record->mParent) {

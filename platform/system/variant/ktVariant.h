@@ -129,7 +129,6 @@ public:
     const ktVariantListImpl* getList() const noexcept {
         return isList() ? reinterpret_cast<const ktVariantListImpl*>(mBytes) : nullptr;
     }
-    ktVariantListImpl* editList() noexcept { return isList() ? reinterpret_cast<ktVariantListImpl*>(mBytes) : nullptr; }
 
     /// Same kind and equal values.
     bool operator==(const ktVariant& other) const;

@@ -53,14 +53,6 @@ public:
     static bool equalTrees(Kind kind, const ktVariantBlock* a, const ktVariantBlock* b);
     static bool equalValues(const ktVariant& a, const ktVariant& b);
 
-    /// A map or list object for a block; takes the block over.
-    template <typename Container>
-    static Container makeContainer(ktVariantBlock* block) {
-        Container container;
-        container.mBlock = block;
-        return container;
-    }
-
     static std::size_t getElementSize(Kind kind) { return kind == Kind::Map ? sizeof(Entry) : sizeof(ktVariant); }
 
     static std::size_t getBlockBytes(Kind kind, std::size_t capacity) {
