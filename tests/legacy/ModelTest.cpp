@@ -61,10 +61,17 @@ TEST_F(Model, MembersLieInTheirOrder) {
 TEST_F(Model, CopiesAreDeep) {
     mText = makeText("H");
     mText->mLines[0][0].setTextProperties(Properties("Serif", 2));
+    mText->mLines[0][0].setTextProperties(Properties("Serif", 3));
     mText->mMetadata["key"] = "value";
-    addChild(addChild(*mText, makeText("child"), 4), nullptr, 12);
+    mText->mPosition = {1, 2, 3};
+    mText->mDefaultTextProperties = Properties("Mono", 4);
+    mRaster->mRasterName = "image";
+    mRaster->mSizeEm = {2, 5};
+    addChild(addChild(addChild(*mText, makeText("child"), 4), nullptr, 12), mRaster);
     const std::string before = show(mText);
-    EXPECT_EQ(before, "text key=value [4:text |child] [12:null] |H{Serif/200/0/0}");
+    EXPECT_EQ(before,
+              "text at(1 2 3) key=value [4:text |child] [12:null] [1:raster image'image'2x5] Mono/400/0/0 "
+              "|H{Serif/300/0/0}");
 
     const TextPointer copy(new ktAnnotationText(*mText));
     EXPECT_EQ(show(copy), before);
@@ -74,6 +81,19 @@ TEST_F(Model, CopiesAreDeep) {
     copy->mMetadata["key"] = "changed";
     copy->getSubAnnots().front().mAnnotation->SetName("renamed");
     EXPECT_EQ(show(mText), before);
+    *copy = *mText;
+    EXPECT_EQ(show(copy), before);
+    ktAnnotationRaster raster;
+    raster = *mRaster;
+    EXPECT_EQ(show(raster), show(mRaster));
+    // A child may have two parents; each copy has one of its own.
+    addChild(*mRaster, makeText("shared"));
+    addChild(*mText, mRaster->getSubAnnots().front().mAnnotation);
+    *copy = *mText;
+    const auto& children = copy->getSubAnnots();
+    EXPECT_EQ(show(children.back().mAnnotation),
+              show(std::next(children.begin(), 2)->mAnnotation->getSubAnnots().front().mAnnotation));
+    EXPECT_NE(children.back().mAnnotation, mText->getSubAnnots().back().mAnnotation);
 }
 
 TEST_F(Model, AssignmentKeepsTheKindAndSharesChildrenOfUnknownKind) {
@@ -81,6 +101,8 @@ TEST_F(Model, AssignmentKeepsTheKindAndSharesChildrenOfUnknownKind) {
     mRaster->SetName("image");
     mRaster->mColor = {1, 2, 3};
     mRaster->setFlags(0xF3);
+    mRaster->mPosition = {1, 2, 3};
+    mRaster->mMetadata["key"] = 5;
     addChild(*mRaster, host);
     mText = makeText("kept");
     addChild(*mText, makeText("old child"));
@@ -88,7 +110,7 @@ TEST_F(Model, AssignmentKeepsTheKindAndSharesChildrenOfUnknownKind) {
     ASSERT_EQ(mText->getSubAnnotsCount(), 1U);
     EXPECT_EQ(mText->getSubAnnots().front().mAnnotation, host);
     mText->removeSubAnnots();
-    EXPECT_EQ(show(mText), "text 'image' rgb(1 2 3) flagsf3 |kept");
+    EXPECT_EQ(show(mText), "text 'image' at(1 2 3) rgb(1 2 3) flagsf3 key=5 |kept");
     EXPECT_EQ(host->cloneAnnotation(), nullptr);
 }
 
@@ -136,6 +158,7 @@ TEST_F(Model, OffsetVectorsReachToThePosition) {
                                             {{-3, 0, 0}, {4, 0, 0}},
                                             {{0, 0, 0}, {0, 0, 0}},
                                             {{0, -2, 0}, {0, 7, 0}},
+                                            {{std::nanf(""), 1, 0}, {0, 0, 0}},
                                             {{tiny, 0, 0}, {0, 0, 0}}};
     for (const auto& [before, after] : rows) {
         mText->mPosition = {5, 7, 0};
@@ -225,9 +248,11 @@ TEST_F(Model, TrimRemovesEmptyEdgesOnly) {
 TEST_F(Model, ViewCopiesAsTheModeSays) {
     mView->SetName("plan");
     mView->mOrigin = {1, 2, 3};
+    mView->mNormal = {0, 1, 0};
+    mView->mAxis = {0, 0, 1};
     mView->mMetadata["key"] = 1;
     mView->mAnnotations = {mText, nullptr};
-    const std::string plane = "view 'plan' (1 2 3)(0 0 1)(1 0 0) key=1";
+    const std::string plane = "view 'plan' (1 2 3)(0 1 0)(0 0 1) key=1";
     for (const auto& [mode, shown] : {std::pair(0, " text null"), {1, " text null"}, {2, ""}, {9, ""}, {-1, ""}}) {
         ktAnnotationView copy;
         copy.mAnnotations.resize(3);
@@ -244,6 +269,9 @@ TEST_F(Model, ViewPlaneBecomesATransformation) {
     Transformation plane = makeMove({1, 1, 1});
     mView->getPlaneTransform(plane);
     EXPECT_EQ(plane, Transformation());
+    mView->mAxis = {0, 1, 0};
+    mView->getPlaneTransform(plane);
+    EXPECT_FALSE(plane.IsIdentity()) << "turned at the origin";
     mView->mOrigin = {1, 2, 3};
     mView->mNormal = {0, 3, 0};
     mView->mAxis = {2, 0, 1};
@@ -281,6 +309,34 @@ TEST_F(Model, MetadataCopiesFullyButClonesDefaultViews) {
     EXPECT_FALSE(source->Clone(out)) << "into an object of another kind";
     EXPECT_EQ(out, mView);
     EXPECT_EQ(mView->GetName(), "two");
+}
+
+TEST_F(Model, ContainersAreKnownByTypeAndNotByContent) {
+    const ktPointer<ktAnnotationMetaData> metaData(new ktAnnotationMetaData);
+    EXPECT_EQ(mView->GetType(), &ktAnnotationView::TYPE);
+    EXPECT_EQ(ktAnnotationView::TYPE.GetParent(), &kt::ktObject::TYPE);
+    EXPECT_EQ(metaData->GetType(), &ktAnnotationMetaData::TYPE);
+    EXPECT_EQ(ktAnnotationMetaData::TYPE.GetParent(), &kt::ktMetadataInterface::TYPE);
+
+    EXPECT_FALSE(mView->Equals(mView));
+    EXPECT_TRUE(metaData->Equals(ktPointer<ktAnnotationMetaData>(new ktAnnotationMetaData)));
+    EXPECT_FALSE(metaData->Equals(mView) || metaData->Equals(nullptr));
+    kt::ktRttiInterface* out = nullptr;
+    EXPECT_FALSE(mView->Clone(out));
+    EXPECT_EQ(out, nullptr);
+
+    mView->SetName("plan");
+    mText->SetName("note");
+    mView->mAnnotations = {mText};
+    std::vector<kt::ktObject*> found;
+    for (const char* name : {"plan", "note"}) {
+        mView->GetAllObjectsByName(name, found);
+    }
+    EXPECT_THAT(found, ElementsAre(mView.get()));
+    EXPECT_EQ(mView->GetObjectByName("plan"), mView.get());
+    EXPECT_EQ(mView->GetObjectByName("note"), nullptr) << "annotations are not looked at";
+    EXPECT_EQ(mView->GetObjectByID(mView->GetID()), mView.get());
+    EXPECT_EQ(mView->GetObjectByID(mText->GetID()), nullptr);
 }
 
 TEST_F(Model, ContainersRefuseToBeWritten) {
@@ -364,6 +420,10 @@ TEST(Lifecycle, FirstUserStartsEverythingAndLastUserEndsIt) {
         EXPECT_EQ(find("ktCore.ktAnnotationMetaData"), ktAnnotationMetaData::Factory);
         ktAnnotationMetaData::UnRegisterFactory();
         EXPECT_EQ(find("ktCore.ktAnnotationMetaData"), nullptr);
+        ktAnnotationView::UnRegisterFactory();
+        EXPECT_EQ(find("ktCore.ktAnnotationView"), nullptr);
+        ktAnnotationView::RegisterFactory();
+        EXPECT_EQ(find("ktCore.ktAnnotationView"), ktAnnotationView::Factory);
         kt::terminateKtAnnotationLegacyLibrary();
         EXPECT_THAT(take(), ElementsAre("annotationLegacy: last user gone", "annotation: last user gone",
                                         "sceneGraph: last user gone", "system: last user gone"));
@@ -379,6 +439,13 @@ TEST(LegacyVersion, TellsItsTexts) {
     EXPECT_STREQ(Version::GetDescStringMajorMinor(true), "3.0");
     EXPECT_STREQ(Version::GetDescStringMajorMinorRelease(false), "3.0.0");
     EXPECT_STREQ(Version::GetDescStringMajorMinorReleaseRevision(true, false), "3.0.0.1226");
+    EXPECT_STREQ(Version::GetDescStringMajorMinorReleaseRevision(false, true), "3.0.0.1226 #0f14611422dbde61");
+    EXPECT_STREQ(Version::GetDescStringMajorMinorReleaseRevisionDate(), "3.0.0.1226 #0f14611422dbde61 2025-12");
+    EXPECT_STREQ(Version::GetCommitId(), "0f14611422dbde61");
+    EXPECT_THAT((std::vector{Version::GetMajor(), Version::GetMinor(), Version::GetRelease(), Version::GetRevision(),
+                             Version::GetYear(), Version::GetMonth()}),
+                ElementsAre(3, 0, 0, 1226, 2025, 12));
+    EXPECT_FALSE(Version::IsBeta() || Version::IsDebug() || Version::IsDev());
 }
 
 }  // namespace
