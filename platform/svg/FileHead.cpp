@@ -57,21 +57,18 @@ FileHead::Range FileHead::makeRange(float minimum, float maximum) {
 }
 
 std::string FileHead::makeText(std::string_view title, std::string_view description) const {
-    std::string text;
-    TextBuffer buffer(text);
+    TextBuffer buffer;
     buffer.append("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
     appendRoot(buffer);
     appendTitle(buffer, title);
     appendElement(buffer, "desc", description);
     appendScreenStyle(buffer);
-    buffer.flush();
-    return text;
+    return buffer.makeText();
 }
 
 std::string FileHead::makeGround() const {
-    std::string text;
+    TextBuffer buffer;
     if (SvgWriter::isColor(mOptions.mBackground)) {
-        TextBuffer buffer(text);
         buffer.append("<rect x=\"");
         appendNumber(buffer, mX.mOrigin);
         buffer.append("\" y=\"");
@@ -83,9 +80,8 @@ std::string FileHead::makeGround() const {
         buffer.append("\" fill=\"");
         buffer.append(mOptions.mBackground);
         buffer.append("\"/>\n");
-        buffer.flush();
     }
-    return text;
+    return buffer.makeText();
 }
 
 void FileHead::appendRoot(TextBuffer& buffer) const {

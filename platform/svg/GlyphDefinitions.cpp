@@ -30,23 +30,18 @@ bool GlyphDefinitions::isReserved(std::string_view id) { return isNumberedId(id,
 void GlyphDefinitions::keepOwner(std::shared_ptr<const void> owner) { mOwners.insert(std::move(owner)); }
 
 unsigned GlyphDefinitions::define(const Path& outline) {
-    if (outline.isEmpty() || !isFinite(outline)) {
-        return 0;
-    }
-    const auto [entry, isNew] = mNumbers.try_emplace(&outline, static_cast<unsigned>(mNumbers.size()) + 1);
-    if (isNew) {
-        mBuffer.append("<path id=\"g");
-        mBuffer.append(std::to_string(entry->second));
-        mBuffer.append("\" d=\"");
-        appendPathData(mBuffer, outline, 0.0, 0.0, getOutlineDecimals(outline));
-        mBuffer.append("\"/>\n");
+    const auto [entry, isNew] = mNumbers.try_emplace(&outline, 0);
+    if (isNew && !outline.isEmpty() && isFinite(outline)) {
+        entry->second = ++mLastNumber;
+        mElements.append("<path id=\"g");
+        mElements.append(std::to_string(entry->second));
+        mElements.append("\" d=\"");
+        appendPathData(mElements, outline, 0.0, 0.0, getOutlineDecimals(outline));
+        mElements.append("\"/>\n");
     }
     return entry->second;
 }
 
-std::string_view GlyphDefinitions::getElements() {
-    mBuffer.flush();
-    return mText;
-}
+void GlyphDefinitions::appendElements(std::vector<std::string_view>& pieces) const { mElements.appendPieces(pieces); }
 
 }  // namespace kt::svg

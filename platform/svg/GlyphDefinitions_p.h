@@ -7,20 +7,16 @@
 #include "platform/svg/TextBuffer_p.h"
 
 #include <memory>
-#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <vector>
 
 namespace kt::svg {
 
 /// Collects the outlines that a file uses; each is defined once, under the ids g1, g2, ... in the order of first use.
 class GlyphDefinitions {
 public:
-    GlyphDefinitions() : mBuffer(mText) {}
-    GlyphDefinitions(const GlyphDefinitions&) = delete;
-    GlyphDefinitions& operator=(const GlyphDefinitions&) = delete;
-
     /// Whether an id is of the form that this class gives.
     static bool isReserved(std::string_view id);
 
@@ -30,14 +26,15 @@ public:
     /// The number of the outline's id; 0 when there is nothing to draw.
     unsigned define(const Path& outline);
 
-    /// The definitions' elements; empty when there are none.
-    std::string_view getElements();
+    bool isEmpty() const { return mLastNumber == 0; }
+    /// Appends the definitions' elements; they are valid until one is added.
+    void appendElements(std::vector<std::string_view>& pieces) const;
 
 private:
-    std::unordered_map<const Path*, unsigned> mNumbers;
+    std::unordered_map<const Path*, unsigned> mNumbers;  ///< 0 for outlines without anything to draw
     std::unordered_set<std::shared_ptr<const void>> mOwners;
-    std::string mText;
-    TextBuffer mBuffer;
+    unsigned mLastNumber = 0;
+    TextBuffer mElements;
 };
 
 }  // namespace kt::svg

@@ -86,6 +86,16 @@ char* putNumber(char* out, double value, int decimals) {
     return decimals == sCoordinateDecimals ? formatCoordinate(out, value) : formatNumber(out, value, decimals);
 }
 
+/// Whether some of the UTF-8 text's characters may join, stack or combine: all but those of Latin, Greek and Cyrillic
+/// letters, of symbols and of Han, kana and Hangul.
+bool mayHoldJoiningLetters(std::string_view text) {
+    return std::any_of(text.begin(), text.end(), [](char byte) {
+        const auto lead = static_cast<unsigned char>(byte);
+        const bool isMark = lead == 0xCC || lead == 0xCD;
+        return isMark || (lead >= 0xD5 && lead <= 0xE1) || lead == 0xEA || lead >= 0xEF;
+    });
+}
+
 /// Whether some of the UTF-8 text's characters are of blocks with right-to-left scripts; some others may count as such.
 bool mayHoldRightToLeft(std::string_view text) {
     for (std::size_t index = 0; index + 1 < text.size(); ++index) {
@@ -120,24 +130,6 @@ DirectionControls getDirectionControls(const Text& text) {
     }
     return mayHoldRightToLeft(text.getText()) ? DirectionControls{leftToRightOverride, endOfOverride}
                                               : DirectionControls{};
-}
-
-bool haveSameFont(const Text& a, const Text& b) {
-    return &a == &b || (a.getSize() == b.getSize() && a.isBold() == b.isBold() && a.isItalic() == b.isItalic() &&
-                        a.getFont() == b.getFont());
-}
-
-/// The family as a quoted CSS string with a generic family to fall back on.
-std::string makeFontFamily(std::string_view font) {
-    std::string family;
-    for (const char character : encoding::cutUtf8(font, sMaxNameSize)) {
-        if (character == '\'' || character == '\\') {
-            family.push_back('\\');
-        }
-        const bool isControl = static_cast<unsigned char>(character) < 0x20;
-        family.push_back(isControl ? ' ' : character);
-    }
-    return family.empty() ? "sans-serif" : "'" + family + "',sans-serif";
 }
 
 }  // namespace
@@ -231,7 +223,7 @@ void ItemWriter::appendPaint(const Paint& paint, const Paint& written) {
     mBuffer->commit(putPaint(mBuffer->reserve(sNumbersSize), paint, written));
 }
 
-void ItemWriter::appendNames(const ItemInterface& item, bool hasScalingOutline) {
+void ItemWriter::appendNames(const ItemInterface& item, std::string_view ownClass) {
     if (const std::optional<std::string_view> id = item.getId()) {
         const bool isTaken = PictureDefinitions::isReserved(*id) ||
                              (mTextMode == SvgWriter::TextMode::Outlines && GlyphDefinitions::isReserved(*id));
@@ -245,22 +237,27 @@ void ItemWriter::appendNames(const ItemInterface& item, bool hasScalingOutline) 
     if (classText.size() > sMaxNameSize) {
         classText = {};
     }
-    if (hasScalingOutline || !classText.empty()) {
-        mBuffer->append(hasScalingOutline ? " class=\"s" : " class=\"");
-        mBuffer->append(hasScalingOutline && !classText.empty() ? " " : "");
+    if (!ownClass.empty() || !classText.empty()) {
+        mBuffer->append(" class=\"");
+        mBuffer->append(ownClass);
+        mBuffer->append(ownClass.empty() || classText.empty() ? "" : " ");
         appendXmlText(*mBuffer, classText, XmlContext::Attribute);
         mBuffer->append("\"");
     }
 }
 
+std::string_view ItemWriter::getOutlineClass(const ItemInterface& item, const Paint& paint) {
+    const bool isScaled = item.getStyleOption() != ItemInterface::sStyleNonScalingStroke;
+    return isScaled && paint.mOutlineColor != sNone ? "s" : "";
+}
+
 void ItemWriter::appendCommon(const ItemInterface& item, const Affine& map, const Placement& placement,
-                              const Paint& paint, const WriteContext& context) {
+                              const Paint& paint, const WriteContext& context, std::string_view ownClass) {
     if (placement.mIsTransformed) {
         appendTransform(map, context.mScale);
     }
     appendPaint(paint, context.mWritten);
-    const bool hasOutline = item.getKind() != ItemInterface::Kind::Text && paint.mOutlineColor != sNone;
-    appendNames(item, hasOutline && item.getStyleOption() != ItemInterface::sStyleNonScalingStroke);
+    appendNames(item, ownClass);
 }
 
 void ItemWriter::writeItem(const ItemInterface& item, const WriteContext& context) {
@@ -315,7 +312,7 @@ void ItemWriter::writeRect(const Rect& rect, const Affine& map, const WriteConte
     const Placement placement = place(map, context.mScale);
     const Paint paint = getPaint(rect, context.mInherited);
     appendBox("<rect", rect.getPosition(), rect.getSize(), placement);
-    appendCommon(rect, map, placement, paint, context);
+    appendCommon(rect, map, placement, paint, context, getOutlineClass(rect, paint));
     mBuffer->append("/>\n");
 }
 
@@ -359,34 +356,11 @@ void ItemWriter::writePath(const Path& path, const Affine& map, const WriteConte
     const Placement placement = place(map, context.mScale);
     const Paint paint = getPaint(path, context.mInherited);
     mBuffer->append("<path");
-    appendCommon(path, map, placement, paint, context);
+    appendCommon(path, map, placement, paint, context, getOutlineClass(path, paint));
     mBuffer->append(" d=\"");
     appendPathData(*mBuffer, path, placement.mX, placement.mY, placement.mDecimals);
     mBuffer->append("\"/>\n");
 }
-
-const ItemWriter::FontAttributes& ItemWriter::findFont(const Text& text, int decimals) {
-    const auto matches = [&](const FontAttributes& font) {
-        return font.mSize == text.getSize() && font.mDecimals == decimals && font.mIsBold == text.isBold() &&
-               font.mIsItalic == text.isItalic() && font.mFont == text.getFont();
-    };
-    if (const auto found = std::find_if(mFonts.begin(), mFonts.end(), matches); found != mFonts.end()) {
-        return *found;
-    }
-    FontAttributes& font = mFonts[mNextFont++ % mFonts.size()];
-    font = {text.getFont(), text.getSize(), decimals, text.isBold(), text.isItalic(), {}};
-    TextBuffer attributes(font.mText);
-    attributes.append(" font-family=\"");
-    appendXmlText(attributes, makeFontFamily(text.getFont()), XmlContext::Attribute);
-    attributes.append("\" font-size=\"");
-    attributes.commit(putNumber(attributes.reserve(sNumbersSize), static_cast<double>(text.getSize()), decimals));
-    attributes.append(text.isBold() ? "\" font-weight=\"bold\"" : "\"");
-    attributes.append(text.isItalic() ? " font-style=\"italic\"" : "");
-    attributes.flush();
-    return font;
-}
-
-void ItemWriter::appendFont(const Text& text, int decimals) { mBuffer->append(findFont(text, decimals).mText); }
 
 void ItemWriter::writeText(const Text& text, const Affine& map, const WriteContext& context) {
     if (text.getText().empty() || !(text.getSize() > 0.0F)) {
@@ -406,28 +380,34 @@ void ItemWriter::writeText(const Text& text, const Affine& map, const WriteConte
     out = putLiteral(out, "\" y=\"");
     out = putNumber(out, static_cast<double>(text.getPosition().y) + placement.mY, placement.mDecimals);
     *out++ = '"';
-    if (context.mFont == nullptr || placement.mIsTransformed || !haveSameFont(*context.mFont, text)) {
-        mBuffer->commit(out);
-        appendFont(text, placement.mDecimals);
-        // What the groups say of weight and style must not reach this text.
-        if (context.mFont != nullptr) {
-            mBuffer->append(context.mFont->isBold() && !text.isBold() ? " font-weight=\"normal\"" : "");
-            mBuffer->append(context.mFont->isItalic() && !text.isItalic() ? " font-style=\"normal\"" : "");
-        }
-        out = mBuffer->reserve(sNumbersSize);
-    }
     if (text.getLength() > 0.0F) {
         out = putLiteral(out, " textLength=\"");
         out = putNumber(out, static_cast<double>(text.getLength()), placement.mDecimals);
-        out = putLiteral(out, "\" lengthAdjust=\"spacingAndGlyphs\"");
+        *out++ = '"';
+        // Letters that join must be stretched themselves: spacing would tear them apart.
+        if (!scan.mIsPlain && mayHoldJoiningLetters(text.getText())) {
+            out = putLiteral(out, " lengthAdjust=\"spacingAndGlyphs\"");
+        }
     }
     if (scan.mHasFragileBlanks) {
         out = putLiteral(out, " xml:space=\"preserve\"");
     }
-    mBuffer->commit(out);
     // Letters have no outline: groups give theirs to frames and lines.
     const Paint paint{getPaint(text, context.mInherited).mColor, sNone};
-    appendCommon(text, map, placement, paint, context);
+    const FontStyle& font = mFonts.find(text, placement.mDecimals);
+    const std::string_view fontClass = &font == context.mFont ? std::string_view() : font.mClass;
+    if (placement.mIsTransformed || text.getId() || text.getClass()) {
+        mBuffer->commit(out);
+        appendCommon(text, map, placement, paint, context, fontClass);
+    } else {
+        out = putPaint(out, paint, context.mWritten);
+        if (!fontClass.empty()) {
+            out = putLiteral(out, " class=\"");
+            out = putText(out, fontClass);
+            *out++ = '"';
+        }
+        mBuffer->commit(out);
+    }
     if (scan.mIsPlain && text.getText().size() <= sShortTextSize && !text.isRightToLeft()) {
         out = mBuffer->reserve(sShortTextSize + sNumbersSize);
         *out++ = '>';

@@ -4,6 +4,7 @@
 /// Elements of single items.
 
 #include "platform/svg/Affine_p.h"
+#include "platform/svg/FontStyles_p.h"
 #include "platform/svg/GlyphDefinitions_p.h"
 #include "platform/svg/GlyphSource.h"
 #include "platform/svg/NumberFormat_p.h"
@@ -35,11 +36,11 @@ struct Paint {
 
 /// Where in the file an item is written.
 struct WriteContext {
-    Affine mMap;                  ///< from the item's surroundings to the innermost open group
-    double mScale = 1.0;          ///< of that group in the file's frame
-    Paint mInherited;             ///< colours that the item inherits
-    Paint mWritten;               ///< colours that the innermost open group has in the file
-    const Text* mFont = nullptr;  ///< one whose font the open groups have in the file; null: none
+    Affine mMap;                       ///< from the item's surroundings to the innermost open group
+    double mScale = 1.0;               ///< of that group in the file's frame
+    Paint mInherited;                  ///< colours that the item inherits
+    Paint mWritten;                    ///< colours that the innermost open group has in the file
+    const FontStyle* mFont = nullptr;  ///< that the open groups have in the file; null: none
 };
 
 int getScaledDecimals(double scale);
@@ -64,19 +65,19 @@ public:
     /// The item's own colours, where they are colours, before the inherited ones.
     Paint getPaint(const ItemInterface& item, const Paint& inherited);
 
-    /// The text's family, size, weight and style as attributes.
-    void appendFont(const Text& text, int decimals);
+    const FontStyle& findFont(const Text& text, int decimals) { return mFonts.find(text, decimals); }
     void appendTransform(const Affine& map, double outerScale);
     void appendPaint(const Paint& paint, const Paint& written);
     /// Id and class.
-    /// @param hasScalingOutline  whether the item has an outline that gets wider when the drawing is enlarged.
-    void appendNames(const ItemInterface& item, bool hasScalingOutline = false);
+    /// @param ownClass  one of the writer's; empty: none.
+    void appendNames(const ItemInterface& item, std::string_view ownClass = {});
     void forgetId(std::string_view id) { mIds.erase(std::string(id)); }
 
     /// Tells that an item was left out.
     void warn(Warning::Kind kind, std::string_view item, std::string_view problem);
 
-    GlyphDefinitions& getGlyphs() { return mGlyphs; }
+    const FontStyles& getFonts() const { return mFonts; }
+    const GlyphDefinitions& getGlyphs() const { return mGlyphs; }
     const PictureDefinitions& getPictures() const { return mPictures; }
 
     /// Whether an item is the ground that an image behind it in the same group covers as a whole.
@@ -105,30 +106,18 @@ private:
                    const Placement& placement);
     /// Everything after the attributes that are an element's own.
     void appendCommon(const ItemInterface& item, const Affine& map, const Placement& placement, const Paint& paint,
-                      const WriteContext& context);
+                      const WriteContext& context, std::string_view ownClass);
+    /// The class of items with an outline that gets wider when the drawing is enlarged; empty for others.
+    static std::string_view getOutlineClass(const ItemInterface& item, const Paint& paint);
 
     TextBuffer* mBuffer;
     SvgWriter::TextMode mTextMode;
     std::unordered_set<std::string> mIds;
+    FontStyles mFonts;
     GlyphDefinitions mGlyphs;
     PictureDefinitions mPictures;
     std::vector<PlacedGlyph> mPlacedGlyphs;
     std::vector<Warning> mWarnings;
-
-    /// Font attributes as they are written.
-    struct FontAttributes {
-        std::string mFont;
-        float mSize = -1.0F;
-        int mDecimals = 0;
-        bool mIsBold = false;
-        bool mIsItalic = false;
-        std::string mText;
-    };
-    const FontAttributes& findFont(const Text& text, int decimals);
-
-    /// Those of late: the texts of a drawing take turns with a few.
-    std::array<FontAttributes, 8> mFonts;
-    std::size_t mNextFont = 0;
 };
 
 }  // namespace kt::svg

@@ -112,7 +112,8 @@ void Picture::appendDataUri(TextBuffer& buffer) const {
     buffer.append(mBase64);
     constexpr std::size_t step = TextBuffer::sMaxReserve / 4 * 3;
     for (std::size_t start = 0; start < mBytes.size(); start += step) {
-        buffer.commit(encoding::encodeBase64(buffer.reserve(TextBuffer::sMaxReserve), mBytes.substr(start, step)));
+        const std::string_view bytes = mBytes.substr(start, step);
+        buffer.commit(encoding::encodeBase64(buffer.reserve(encoding::getBase64Size(bytes.size())), bytes));
     }
 }
 

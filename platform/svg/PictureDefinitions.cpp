@@ -1,12 +1,18 @@
 #include "platform/svg/PictureDefinitions_p.h"
 #include "platform/svg/ReservedId_p.h"
-#include "platform/svg/TextBuffer_p.h"
 
 namespace kt::svg {
 
 namespace {
 
 constexpr std::string_view sElementEnd = "\"/>\n";
+
+/// The text of a buffer that was made as large as it needed to be.
+std::string_view getText(const TextBuffer& buffer) {
+    std::vector<std::string_view> pieces;
+    buffer.appendPieces(pieces);
+    return pieces.front();
+}
 
 }  // namespace
 
@@ -22,16 +28,13 @@ PictureDefinitions::Entry PictureDefinitions::define(std::string_view source) {
         return {0, picture.getProblem()};
     }
     const auto number = static_cast<unsigned>(mElements.size()) + 1;
-    std::string& element = mElements.emplace_back();
-    element = "<image id=\"p" + std::to_string(number) +
-              "\" width=\"1\" height=\"1\" preserveAspectRatio=\"none\" xlink:href=\"";
-    const std::size_t uriStart = element.size();
-    element.reserve(uriStart + picture.getDataUriSize() + sElementEnd.size());
-    TextBuffer buffer(element);
-    picture.appendDataUri(buffer);
-    buffer.append(sElementEnd);
-    buffer.flush();
-    const std::string_view uri(element.data() + uriStart, element.size() - uriStart - sElementEnd.size());
+    const std::string start = "<image id=\"p" + std::to_string(number) +
+                              "\" width=\"1\" height=\"1\" preserveAspectRatio=\"none\" xlink:href=\"";
+    TextBuffer& element = mElements.emplace_back(start.size() + picture.getDataUriSize() + sElementEnd.size());
+    element.append(start);
+    picture.appendDataUri(element);
+    const std::string_view uri = getText(element).substr(start.size());
+    element.append(sElementEnd);
     const auto [entry, isNew] = mNumbers.try_emplace(uri, number);
     if (!isNew) {
         mElements.pop_back();
@@ -40,7 +43,9 @@ PictureDefinitions::Entry PictureDefinitions::define(std::string_view source) {
 }
 
 void PictureDefinitions::appendElements(std::vector<std::string_view>& pieces) const {
-    pieces.insert(pieces.end(), mElements.begin(), mElements.end());
+    for (const TextBuffer& element : mElements) {
+        element.appendPieces(pieces);
+    }
 }
 
 }  // namespace kt::svg

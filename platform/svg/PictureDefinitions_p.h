@@ -4,9 +4,9 @@
 /// Pictures of a file.
 
 #include "platform/svg/Picture_p.h"
+#include "platform/svg/TextBuffer_p.h"
 
 #include <deque>
-#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -34,7 +34,7 @@ public:
     void appendElements(std::vector<std::string_view>& pieces) const;
 
 private:
-    std::deque<std::string> mElements;
+    std::deque<TextBuffer> mElements;
     std::unordered_map<std::string_view, unsigned> mNumbers;  ///< by the data URIs in the elements
 };
 

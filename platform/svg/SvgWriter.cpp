@@ -25,18 +25,6 @@ constexpr int sMaxGroupDepth = SvgWriter::sMaxDepth - 2;
 /// Lines go on in another element when one has this many bytes.
 constexpr std::size_t sLinesSize = 1'000'000;
 
-/// Asks for the children's memory at once: items lie scattered, and waiting for each in turn would take most of the
-/// time.
-void prefetch(const Node& node) {
-    constexpr std::size_t cacheLine = 64;
-    for (const auto& child : node.getChildren()) {
-        const auto* bytes = reinterpret_cast<const char*>(child.get());
-        for (std::size_t offset = 0; offset < sizeof(Text); offset += cacheLine) {
-            __builtin_prefetch(bytes + offset);
-        }
-    }
-}
-
 /// A text whose font is worth saying once for the group: there are others. Null when there is none.
 const Text* findCommonFont(const Node& node) {
     const auto isWritten = [](const auto& child) {
@@ -120,11 +108,9 @@ private:
     std::string mTitle;
     std::string mHead;
     std::string mGround;
-    std::string mBeneath;
-    std::string mAbove;
-    TextBuffer mBeneathBuffer{mBeneath};
-    TextBuffer mAboveBuffer{mAbove};
-    TextBuffer* mBuffer = &mAboveBuffer;  ///< of the layer that is written
+    TextBuffer mBeneath;
+    TextBuffer mAbove;
+    TextBuffer* mBuffer = &mAbove;  ///< of the layer that is written
     ItemWriter mItems;
     std::vector<CallerGroup> mCallerGroups;
     std::vector<TreeGroup> mTreeGroups;
@@ -139,26 +125,27 @@ void SvgWriter::Document::start(std::string_view title) {
 }
 
 void SvgWriter::Document::selectLayer(Layer layer) {
-    mBuffer = layer == Layer::Beneath ? &mBeneathBuffer : &mAboveBuffer;
+    mBuffer = layer == Layer::Beneath ? &mBeneath : &mAbove;
     mItems.setBuffer(*mBuffer);
 }
 
 std::vector<std::string_view> SvgWriter::Document::end(const BoundingBox& viewBox, std::string_view description) {
-    mAboveBuffer.append("</svg>\n");
-    mAboveBuffer.flush();
-    mBeneathBuffer.flush();
+    mAbove.append("</svg>\n");
     const FileHead head(mOptions, viewBox);
     mHead = head.makeText(mTitle, description);
     mGround = head.makeGround();
     mDepth = 0;
     std::vector<std::string_view> pieces{mHead};
-    const std::string_view glyphs = mItems.getGlyphs().getElements();
-    if (!glyphs.empty() || !mItems.getPictures().isEmpty()) {
-        pieces.insert(pieces.end(), {"<defs>\n", glyphs});
+    mItems.getFonts().appendElement(pieces);
+    if (!mItems.getGlyphs().isEmpty() || !mItems.getPictures().isEmpty()) {
+        pieces.emplace_back("<defs>\n");
+        mItems.getGlyphs().appendElements(pieces);
         mItems.getPictures().appendElements(pieces);
         pieces.emplace_back("</defs>\n");
     }
-    pieces.insert(pieces.end(), {mGround, mBeneath, mAbove});
+    pieces.emplace_back(mGround);
+    mBeneath.appendPieces(pieces);
+    mAbove.appendPieces(pieces);
     return pieces;
 }
 
@@ -249,7 +236,6 @@ void SvgWriter::Document::enter(const Node& node, const WriteContext& outer) {
     if (node.getChildren().empty()) {
         return;
     }
-    prefetch(node);
     WriteContext context = outer;
     if (node.getTransform()) {
         context.mMap = outer.mMap * Affine(*node.getTransform());
@@ -282,11 +268,12 @@ void SvgWriter::Document::enter(const Node& node, const WriteContext& outer) {
         context.mWritten.mColor = context.mInherited.mColor;
         mItems.appendPaint(context.mWritten, outer.mWritten);
     }
+    std::string_view fontClass;
     if (font != nullptr) {
-        mItems.appendFont(*font, getDecimals(context.mScale));
-        context.mFont = font;
+        context.mFont = &mItems.findFont(*font, getDecimals(context.mScale));
+        fontClass = context.mFont->mClass;
     }
-    mItems.appendNames(node);
+    mItems.appendNames(node, fontClass);
     mBuffer->append(">\n");
     ++mDepth;
     mTreeGroups.push_back({&node, 0, context, start, mBuffer->getSize(), true});

@@ -1,69 +1,111 @@
 #pragma once
 
 /// @file
-/// Fast appending to a string.
+/// Fast appending to a growing text.
 
-#include <array>
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kt::svg {
 
-/// Appends to a string through a chunk that stays in the processor's cache: short pieces are written by pointer,
-/// without a call or a capacity check of their own. The string is complete after flush().
+/// A text that grows at its end: short pieces are written by pointer, without a call or a capacity check of their own.
+/// It lies in blocks, so that nothing is ever moved or held twice, however long it gets.
 class TextBuffer {
 public:
     /// Most bytes that one reserve() may ask for.
     static constexpr std::size_t sMaxReserve = 2048;
 
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): the chunk is written before it is read
-    explicit TextBuffer(std::string& target) : mTarget(&target) {}
+    TextBuffer() = default;
+    /// @param size  bytes that lie in one block.
+    explicit TextBuffer(std::size_t size) { addBlock(size); }
 
     /// Room for size bytes; what was written there is appended by commit(end).
     char* reserve(std::size_t size) {
-        if (mChunk.size() - mUsed < size) {
-            flush();
+        if (static_cast<std::size_t>(mEnd - mNext) < size) {
+            addBlock(sBlockSize);
         }
-        return mChunk.data() + mUsed;
+        return mNext;
     }
-    void commit(const char* end) { mUsed = static_cast<std::size_t>(end - mChunk.data()); }
+    void commit(char* end) { mNext = end; }
 
     void append(std::string_view text) {
-        if (text.size() > sMaxReserve) {
-            flush();
-            mTarget->append(text);
-            return;
+        while (static_cast<std::size_t>(mEnd - mNext) < text.size()) {
+            const auto room = static_cast<std::size_t>(mEnd - mNext);
+            mNext = std::copy_n(text.data(), room, mNext);
+            text.remove_prefix(room);
+            addBlock(sBlockSize);
         }
-        char* out = reserve(text.size());
-        std::memcpy(out, text.data(), text.size());
-        commit(out + text.size());
+        mNext = std::copy_n(text.data(), text.size(), mNext);
+    }
+    /// A literal, without its NUL: of a known size, so that it is copied without a call.
+    template <std::size_t N>
+    void append(const char (&text)[N]) {
+        static_assert(N <= sMaxReserve);
+        char* out = reserve(N - 1);
+        std::memcpy(out, text, N - 1);
+        mNext = out + N - 1;
     }
 
-    std::size_t getSize() const { return mTarget->size() + mUsed; }
+    std::size_t getSize() const { return mBlocks.empty() ? 0 : mBlocks.back().mStart + getUsed(); }
 
     /// Takes back everything after this size.
     void truncate(std::size_t size) {
-        if (size >= mTarget->size()) {
-            mUsed = size - mTarget->size();
-        } else {
-            mTarget->resize(size);
-            mUsed = 0;
+        while (!mBlocks.empty() && size < mBlocks.back().mStart) {
+            mBlocks.pop_back();
+            mEnd = mBlocks.back().mBytes.get() + mBlocks.back().mSize;
+        }
+        if (!mBlocks.empty()) {
+            mNext = mBlocks.back().mBytes.get() + (size - mBlocks.back().mStart);
         }
     }
 
-    void flush() {
-        mTarget->append(mChunk.data(), mUsed);
-        mUsed = 0;
+    /// The text in pieces; they are valid until it changes.
+    void appendPieces(std::vector<std::string_view>& pieces) const {
+        for (std::size_t index = 0; index < mBlocks.size(); ++index) {
+            const std::size_t end = index + 1 < mBlocks.size() ? mBlocks[index + 1].mStart : getSize();
+            pieces.emplace_back(mBlocks[index].mBytes.get(), end - mBlocks[index].mStart);
+        }
+    }
+
+    /// The text as a whole.
+    std::string makeText() const {
+        std::vector<std::string_view> pieces;
+        appendPieces(pieces);
+        std::string text;
+        text.reserve(getSize());
+        for (const std::string_view piece : pieces) {
+            text += piece;
+        }
+        return text;
     }
 
 private:
-    static constexpr std::size_t sChunkSize = 16384;
+    static constexpr std::size_t sBlockSize = 65536;
 
-    std::string* mTarget;
-    std::size_t mUsed = 0;
-    std::array<char, sChunkSize> mChunk;
+    struct Block {
+        std::unique_ptr<char[]> mBytes;
+        std::size_t mSize;
+        std::size_t mStart;  ///< of its text in the whole
+    };
+
+    std::size_t getUsed() const { return static_cast<std::size_t>(mNext - mBlocks.back().mBytes.get()); }
+
+    void addBlock(std::size_t size) {
+        const std::size_t start = getSize();
+        // Not zeroed: it is written before it is read.
+        mBlocks.push_back({std::unique_ptr<char[]>(new char[size]), size, start});
+        mNext = mBlocks.back().mBytes.get();
+        mEnd = mNext + size;
+    }
+
+    std::vector<Block> mBlocks;
+    char* mNext = nullptr;
+    char* mEnd = nullptr;
 };
 
 /// Copies a literal without its NUL and gives the end.

@@ -16,9 +16,10 @@ std::string embed(const std::string& source) {
     const Picture picture(source);
     std::string uri;
     if (picture.getProblem() == nullptr) {
-        TextBuffer buffer(uri);
+        TextBuffer buffer;
         picture.appendDataUri(buffer);
-        buffer.flush();
+        uri = buffer.makeText();
+        EXPECT_EQ(uri.size(), picture.getDataUriSize());
     }
     return uri;
 }

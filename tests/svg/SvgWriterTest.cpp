@@ -60,8 +60,8 @@ struct Written {
 };
 
 /// What the file says about texts of makeText.
-const std::string sFont = " font-family='Arial',sans-serif font-size=3.175";
-const std::string sLength = " lengthAdjust=spacingAndGlyphs textLength=7.5";
+const std::string sFont = " class=A";
+const std::string sLength = " textLength=7.5";
 
 std::shared_ptr<Text> makeText(const std::string& content) {
     auto text = std::make_shared<Text>();
@@ -120,6 +120,7 @@ TEST(SvgWriter, WritesWhatDiffersFromTheGroupsAround) {
     rich->setBold(true);
     rich->setItalic(true);
     rich->setRightToLeft(true);
+    rich->setClass("border");
     auto scaled = makeRect({1, 2}, {3, 4}, "none", "#00FF00");
     scaled->setClass("border");
     const std::string light = ".text" + sLength + " x=1 y=2 | A\n";
@@ -134,14 +135,13 @@ TEST(SvgWriter, WritesWhatDiffersFromTheGroupsAround) {
         {colored, "g fill=#FF0000\n.text" + sFont + sLength + " x=1 y=2 | A\n" +
                       ".rect class=s fill=none height=4 stroke=#00FF00 width=3 x=1 y=2\n"},
         {makeGroup({}, {makeWeighted(true), makeWeighted(true), makeWeighted(false)}),
-         "g" + sFont + " font-weight=bold\n" + light + light + ".text" + sFont + " font-weight=normal" + sLength +
-             " x=1 y=2 | A\n"},
+         "g class=A\n" + light + light + ".text class=B" + sLength + " x=1 y=2 | A\n"},
         {rich,
-         "text font-family='O\\'Brien \\\\ \"Sans\" ',sans-serif font-size=3.175 font-style=italic "
-         "font-weight=bold lengthAdjust=spacingAndGlyphs textLength=7.5 x=1 xml:space=preserve y=2 | "
+         "text class=A border textLength=7.5 x=1 xml:space=preserve y=2 | "
          "\xE2\x80\xAE two  blanks & <more> \xE2\x80\x8F\xE2\x80\xAC\n"},
         // Letters that ran from right to left, were it not for what stands around them in their line.
-        {makeText("\xD7\xA9"), "text" + sFont + sLength + " x=1 y=2 | \xE2\x80\xAD\xD7\xA9\xE2\x80\xAC\n"},
+        {makeText("\xD7\xA9"),
+         "text class=A lengthAdjust=spacingAndGlyphs" + sLength + " x=1 y=2 | \xE2\x80\xAD\xD7\xA9\xE2\x80\xAC\n"},
         {scaled, "rect class=s border fill=none height=4 stroke=#00FF00 width=3 x=1 y=2\n"},
         {makeText("one blank each"), "text" + sFont + sLength + " x=1 y=2 | one blank each\n"},
     };
@@ -390,6 +390,35 @@ TEST(SvgWriter, EmbedsEachPictureOnceAndLeavesOutWhatItCovers) {
     options.mDrawsPictureBackgrounds = true;
     EXPECT_EQ(Written(*root, options).describe(), definitions + uses.substr(0, uses.find('\n') + 1) + rect +
                                                       uses.substr(uses.find('\n') + 1) + rect + last + rect);
+}
+
+TEST(SvgWriter, SpellsEachFontOnce) {
+    // More fonts than are remembered for a while, each three times.
+    Node root;
+    for (int index = 0; index < 90; ++index) {
+        auto text = makeText("A");
+        text->setFont(index % 30 == 1 ? "O'Brien <\\>\n" : "Arial");
+        text->setSize(1.0F + static_cast<float>(index % 30));
+        text->setBold(index % 30 == 1);
+        text->setItalic(index % 30 == 2);
+        root.appendChild(makeGroup({}, {text}));
+    }
+    const Written written(root);
+    const std::vector<test::XmlElement> texts = test::findElements(written.mElements, "text");
+    ASSERT_EQ(texts.size(), 90U);
+    for (std::size_t index = 0; index < texts.size(); ++index) {
+        const std::size_t font = index % 30;
+        const std::string name =
+            font < 26 ? std::string(1, char('A' + font)) : "A" + std::string(1, char('A' + font - 26));
+        EXPECT_EQ(texts[index].getAttribute("class"), name);
+    }
+    const std::string rules = test::findElements(written.mElements, "style").at(1).mText;
+    EXPECT_EQ(std::count(rules.begin(), rules.end(), '{'), 30);
+    EXPECT_THAT(rules,
+                HasSubstr("\n.A{font-family:'Arial',sans-serif;font-size:1px;font-weight:normal;font-style:normal}\n"
+                          ".B{font-family:'O\\'Brien <\\\\> ',sans-serif;font-size:2px;font-weight:bold;"
+                          "font-style:normal}\n"
+                          ".C{font-family:'Arial',sans-serif;font-size:3px;font-weight:normal;font-style:italic}\n"));
 }
 
 TEST(SvgWriter, WritesPathsInAbsoluteCommands) {
