@@ -94,6 +94,15 @@ class Workers(support.ToolTest):
             self.assertIn("Z", pathlib.Path(f"/proc/{workers[0]}/stat").read_text())
 
 
+class Threads(support.ToolTest):
+    def test_draw_what_processes_draw(self):
+        told = [support.run("migrate", support.SAMPLES, "-o", self.folder / way, "--accept", "all", "-j", "4", "-q",
+                            "--isolate", way).error.replace(f"{self.folder / way}", "out") for way in ("auto", "off")]
+        self.assertEqual(told[0], told[1])
+        self.assertEqual(self.read_tree("auto"), self.read_tree("off"))
+        self.assertGreater(len(self.read_tree("off")), 80)
+
+
 class Shards(support.ToolTest):
     def test_their_union_is_one_run(self):
         for index in range(60):
