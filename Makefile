@@ -6,10 +6,10 @@ JOBS ?= $(shell nproc)
 CCACHE := $(shell command -v ccache)
 CONFIGURE := cmake $(if $(CCACHE),-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 SECONDS_PER_TARGET ?= 300
-FUZZ_TARGETS = $(patsubst fuzz/seeds/%/,%,$(wildcard fuzz/seeds/*/))
+HOURS ?= 8
 SOURCES = git ls-files -z -- '*.h' '*.cpp'
 
-.PHONY: help demo test test-sanitizers bench fuzz format tidy docs package check-package clean
+.PHONY: help demo test test-sanitizers test-threads coverage bench fuzz fuzz-night format tidy docs package check-package clean
 
 help: ## this list
 	@grep -E '^[a-z-]+:.*## ' $(MAKEFILE_LIST) | sed -E 's/^([a-z-]+):.*## /\1\t/' | expand -t 18
@@ -32,21 +32,35 @@ test-sanitizers: ## the same with AddressSanitizer and UndefinedBehaviorSanitize
 	cmake --build --preset asan --parallel $(JOBS)
 	ctest --preset asan --parallel $(JOBS)
 
+test-threads: ## run the tool's tests with ThreadSanitizer
+	scripts/install-deps --build --tests
+	$(CONFIGURE) --preset tsan
+	cmake --build --preset tsan --parallel $(JOBS)
+	ctest --preset tsan --parallel $(JOBS)
+
+coverage: ## which branches of the readers and of escaping the tests take: build/coverage/report/index.html
+	scripts/install-deps --build --tests --development
+	$(CONFIGURE) --preset coverage
+	cmake --build --preset coverage --parallel $(JOBS)
+	find build/coverage -name '*.gcda' -delete
+	ctest --preset coverage --parallel $(JOBS)
+	mkdir -p build/coverage/report
+	gcovr --print-summary --branches --html-details build/coverage/report/index.html build/coverage
+
 bench: ## run the benchmarks, each beside its peers
 	scripts/install-deps --build --benchmarks
 	$(CONFIGURE) --preset bench
 	cmake --build --preset bench --parallel $(JOBS)
 	for benchmark in build/bench/benchmarks/*/*Benchmark; do $$benchmark || exit 1; done
 
-fuzz: ## fuzz every target for SECONDS_PER_TARGET (300)
+fuzz: ## fuzz every target for SECONDS_PER_TARGET (300); fuzz/LOG.md tells what they did
 	scripts/install-deps --build --development
 	$(CONFIGURE) --preset fuzz
 	cmake --build --preset fuzz --parallel $(JOBS)
-	for target in $(FUZZ_TARGETS); do \
-	    mkdir -p build/fuzz/corpus/$$target && \
-	    build/fuzz/fuzz/fuzz-$$target -max_total_time=$(SECONDS_PER_TARGET) -dict=fuzz/kts.dict \
-	        -artifact_prefix=build/fuzz/ build/fuzz/corpus/$$target fuzz/seeds/$$target || exit 1; \
-	done
+	JOBS=$(JOBS) scripts/fuzz build/fuzz $(SECONDS_PER_TARGET)
+
+fuzz-night: ## fuzz all targets for HOURS (8) together
+	$(MAKE) fuzz SECONDS_PER_TARGET=$$(($(HOURS) * 3600 * $(JOBS) / $(words $(wildcard fuzz/seeds/*))))
 
 format: ## lay out all sources with clang-format
 	scripts/install-deps --development
