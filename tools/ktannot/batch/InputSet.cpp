@@ -119,7 +119,7 @@ private:
         }
         const bool isJson = hasSuffix(name, ".json");
         const bool isDocument = isJson || hasSuffix(name, ".kts");
-        mode_t type = DTTOIF(entry.d_type);
+        mode_t type = static_cast<mode_t>(DTTOIF(entry.d_type));
         struct stat status {};
         if (entry.d_type == DT_UNKNOWN || (entry.d_type == DT_REG && isDocument)) {
             if (fstatat(folder, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
