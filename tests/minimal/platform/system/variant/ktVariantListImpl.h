@@ -1,0 +1,6 @@
+#pragma once
+
+/// @file
+/// With ktVariant in the minimal platform.
+
+#include "platform/system/variant/ktVariant.h"
