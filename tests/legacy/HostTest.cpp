@@ -132,11 +132,13 @@ TEST_F(Host, ChildrenAreThereUntilTheirParentIsGone) {
 TEST_F(Host, AnnotationsAreGoneBeforeTheRestOfTheirView) {
     std::vector<std::string> log;
     ViewPointer view(new ktAnnotationView);
-    view->mMetadata["key"] = "value";
+    // So long that freed storage does not keep it.
+    const std::string value(5000, 'v');
+    view->mMetadata["key"] = value;
     view->mAnnotations = {AnnotationPointer(new Witness("a", log, view)),
                           AnnotationPointer(new Witness("b", log, view))};
     view.reset();
-    EXPECT_THAT(log, ElementsAre("avalue", "bvalue"));
+    EXPECT_THAT(log, ElementsAre("a" + value, "b" + value));
 }
 
 TEST(HostLog, IsReplacedWhenItEnds) {

@@ -80,6 +80,7 @@ TEST_F(Model, CopiesAreDeep) {
     copy->mLines[0][0].mProperties->mFontName = "Mono";
     copy->mMetadata["key"] = "changed";
     copy->getSubAnnots().front().mAnnotation->SetName("renamed");
+    copy->mDefaultTextProperties = Properties("Sans", 5);
     EXPECT_EQ(show(mText), before);
     *copy = *mText;
     EXPECT_EQ(show(copy), before);
