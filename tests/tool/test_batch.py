@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
 """Batches on the way to their end: workers that die, limits, shards, lists."""
 
+import fcntl
 import json
 import os
 import pathlib
+import resource
 import signal
 import subprocess
 import unittest
@@ -78,6 +80,24 @@ class Workers(support.ToolTest):
             self.assertEqual(list(self.exits_told()), self.inputs[:10])
             self.assertEqual(len(self.read_tree("out")), 20)
 
+    def test_workers_are_shut_in(self):
+        def status_of_worker(*options):
+            found = {}
+
+            def look(tool):
+                for child in children_of(tool.pid):
+                    for line in pathlib.Path(f"/proc/{child}/status").read_text().splitlines():
+                        name, _, value = line.partition(":")
+                        found[name] = value.strip()
+                tool.kill()
+            self.migrate("--force", *options, at_pipe=look)
+            return found["NoNewPrivs"], found.get("Seccomp")
+        self.assertEqual(status_of_worker("--sandbox", "off")[0], "0")
+        inside = status_of_worker("--sandbox", "auto")
+        if inside[0] == "1":  # else the kernel cannot
+            self.assertEqual(inside, ("1", "2"))
+            self.assertEqual(status_of_worker("--sandbox", "require"), ("1", "2"))
+
     def test_workers_do_not_outlive_the_run(self):
         workers = []
 
@@ -101,6 +121,64 @@ class Threads(support.ToolTest):
         self.assertEqual(told[0], told[1])
         self.assertEqual(self.read_tree("auto"), self.read_tree("off"))
         self.assertGreater(len(self.read_tree("off")), 80)
+
+
+class Sandbox(support.ToolTest):
+    def test_changes_no_drawing(self):
+        """Documents and pictures behind links, lists and other folders are read in the sandbox as outside."""
+        picture = '{"type":"raster","name":"r","rastername":"p","sizeem":[1,1]}'
+        self.write("far/a.json", view("a", picture))
+        self.write("far/images/p.png", "\udc89PNG\r\n\x1a\n")
+        self.write("pictures/p.gif", "GIF89a and more")
+        self.write("near/b.json", view("b", picture))
+        (self.folder / "near/a.json").symlink_to("../far/a.json")
+        (self.folder / "near/images").mkdir()
+        self.write("near/images/p.jpg", "\udcff\udcd8\udcff\udce0")
+        (self.folder / "way").symlink_to("near")
+        self.write("list", "near/a.json\nway/b.json\n")
+        for arguments in (["--files-from", "list"], ["near/a.json", "far", "--base", "."], ["way"],
+                          ["way", "near/a.json", "--base", ".", "--raster-dir", "pictures"]):
+            trees = []
+            for mode in "off", "auto":
+                done = support.run("migrate", *arguments, "-o", f"out-{mode}", "--sandbox", mode, "--force", "-q",
+                                   cwd=self.folder)
+                self.assertEqual(done.code, 0, [arguments, done.error])
+                trees.append(self.read_tree(f"out-{mode}"))
+            self.assertTrue(trees[0])
+            self.assertEqual(trees[0], trees[1], arguments)
+
+
+class Leftovers(support.ToolTest):
+    def test_temporary_files_of_killed_runs_are_removed_and_no_others(self):
+        self.write("in/a.json", view("a"))
+        self.write("out/a.json/.ktannot-1-1", "of a run that is gone")
+        held = self.write("out/a.json/.ktannot-1-2", "of one that is at work")
+        self.write("out/a.json/.ktannot-notes", "of the user")
+        with open(held, "rb") as file:
+            fcntl.flock(file, fcntl.LOCK_EX)
+            self.assertEqual(support.run("migrate", "in", "-o", "out", cwd=self.folder).code, 0)
+        self.assertEqual(sorted(self.read_tree("out")),
+                         ["a.json/.ktannot-1-2", "a.json/.ktannot-notes", "a.json/001-a.svg"])
+
+    def test_files_over_the_limit_are_failed_writes(self):
+        self.write("in/a.json", view("a"))
+        self.write("in/b.json", view("b"))
+        limit = lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (700, 700))
+        for mode in "auto", "off":
+            done = support.run("migrate", "in", "-o", "out", "--isolate", mode, cwd=self.folder, preexec_fn=limit)
+            self.assertEqual(done.code, 6)
+            self.assertEqual(done.error.count("cannot write: File too large"), 2)
+            self.assertEqual(self.read_tree("out"), {})
+
+    def test_two_runs_into_one_folder_lose_nothing(self):
+        for index in range(80):
+            self.write(f"in/{index}.json", view(f"v{index}"))
+        runs = [subprocess.Popen([support.TOOL, "migrate", "in", "-o", "out", "-q", "--force", "-j", "2"],
+                                 cwd=self.folder) for _ in range(2)]
+        self.assertEqual([process.wait() for process in runs], [0, 0])
+        tree = self.read_tree("out")
+        self.assertEqual(len(tree), 80)
+        self.check_sound(tree)
 
 
 class Shards(support.ToolTest):

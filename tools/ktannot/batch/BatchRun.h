@@ -5,6 +5,7 @@
 
 #include "tools/ktannot/batch/InputSet.h"
 #include "tools/ktannot/batch/MigrationOptions.h"
+#include "tools/ktannot/batch/Sandbox.h"
 #include "tools/ktannot/report/DocumentReport.h"
 #include "tools/ktannot/report/DocumentReporter.h"
 
@@ -22,6 +23,9 @@ struct BatchRun {
     bool mNeedsFacts = false;  ///< size, time and hash of each document
     int mJobs = 1;
     std::chrono::milliseconds mTimeLimit{0};  ///< for one document; 0: none
+
+    Sandbox::Mode mSandbox = Sandbox::Mode::Auto;  ///< of worker processes
+    Sandbox::Places mPlaces = {};                  ///< what they may touch
 
     /// Called as soon as a document is done, before its turn in the order of the inputs.
     std::function<void(const DocumentReport&)> mOnDone = {};

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <numeric>
@@ -199,9 +200,17 @@ void InputSet::add(const std::string& argument, bool isFromList) {
         addFailure(argument, name, "cannot be read: " + describe(errno));
     } else if (S_ISDIR(status.st_mode)) {
         mBases.insert(argument);
+        mFolders.insert(argument);
         FolderSearch(*this, argument, mBase != nullptr ? name : std::string()).run();
     } else {
-        mBases.insert(getFolder(argument));
+        const std::string folder = getFolder(argument);
+        mBases.insert(folder);
+        mFolders.insert(folder);
+        struct stat itself {};
+        if (lstat(argument.c_str(), &itself) == 0 && S_ISLNK(itself.st_mode)) {
+            std::error_code error;
+            mFolders.insert(std::filesystem::canonical(argument, error).parent_path().string());
+        }
         mFiles.push_back(FileIdentity::of(status));
         addEntry(argument, name, Kind::File);
     }

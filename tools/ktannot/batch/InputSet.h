@@ -67,6 +67,8 @@ public:
     bool contains(const FileIdentity& file) const;
     /// The folders that documents' names are relative to.
     const std::set<std::string>& getBases() const { return mBases; }
+    /// The folders that documents are in, with everything below them, and where links to documents lead.
+    const std::set<std::string>& getFolders() const { return mFolders; }
     const PassedOver& getPassedOver() const { return mPassedOver; }
 
 private:
@@ -101,6 +103,7 @@ private:
     std::vector<std::string> mFailures;
     std::vector<FileIdentity> mFiles;  ///< sorted
     std::set<std::string> mBases;
+    std::set<std::string> mFolders;
     std::unique_ptr<BaseFolder> mBase;
     PassedOver mPassedOver;
 };

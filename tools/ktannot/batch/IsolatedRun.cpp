@@ -6,7 +6,7 @@
 #include "tools/ktannot/batch/WorkerMemory.h"
 #include "tools/ktannot/batch/WorkerProcess.h"
 #include "tools/ktannot/files/FileDescriptor.h"
-#include "tools/ktannot/files/OutputFile.h"
+#include "tools/ktannot/files/OutputFolder.h"
 #include "tools/ktannot/report/Packet.h"
 
 #include <fcntl.h>
@@ -247,11 +247,14 @@ private:
             document != WorkerSlot::sNone && document >= getControl().mTurn.load() && mWaiting.count(document) == 0;
         if (isInHand) {
             const Input input = mBatch.mInputs[document];
-            OutputFile::removeLeftOvers(mBatch.mOptions.getFolder(input.mDocumentName), worker.mProcess);
+            OutputFolder::removeLeftOvers(mBatch.mOptions.getFolder(input.mDocumentName), worker.mProcess);
             finish(document, mBatch.mReporter.report(describeDeath(input, worker, slot, status)));
         }
         const bool isEarly = !WIFEXITED(status) || WEXITSTATUS(status) != 0;
         worker = Worker();
+        if (WIFEXITED(status) && WEXITSTATUS(status) == WorkerProcess::sNoSandbox) {
+            throw EnvironmentError("the worker processes could not be shut in; --sandbox off does without that");
+        }
         if (isEarly && !isInHand && ++mIdleDeaths > sMaxIdleDeaths) {
             throw EnvironmentError("the worker processes end before they begin; --isolate off does without them");
         }

@@ -39,6 +39,7 @@ struct MigrationOptions {
     Existing mExisting = Existing::Fail;
     std::size_t mView = 0;   ///< number of the only view that is wanted of each document; 0: all are
     bool mIsDryRun = false;  ///< do everything but write results
+    bool mIsDurable = false;  ///< results are on the disk before they count as written
     bool mHasTextOutlines = false;
     bool mDrawsPictureBackgrounds = false;  ///< whether the black that the model has beneath pictures is drawn
     std::string mBackground;                ///< colour of the page; empty: none

@@ -53,6 +53,8 @@ void setUpProcess() {
     reserveStandardStreams();
     std::set_terminate(handleTerminate);
     std::signal(SIGPIPE, SIG_IGN);
+    // Files over the limit of the shell are failed writes, told with their names.
+    std::signal(SIGXFSZ, SIG_IGN);
     for (const int signal : {SIGINT, SIGTERM, SIGBUS}) {
         std::signal(signal, handleSignal);
     }

@@ -36,13 +36,15 @@ std::string ResultFile::write(const std::string& path, std::span<const std::stri
             return obstacle;
         }
     }
-    OutputFile file(path);
+    // The folder that the user named may be a link; what is below it is ours.
+    const std::size_t root = options.getPlace("").size();
+    OutputFile file(path.substr(0, root), path.substr(root));
     std::string failure = file.getFailure();
     for (std::size_t piece = 0; failure.empty() && piece < content.size(); ++piece) {
         failure = file.write(content[piece]);
     }
-    return failure.empty() ? file.publish(isReplacing ? OutputFile::Existing::Replace : OutputFile::Existing::Keep)
-                           : failure;
+    const auto existing = isReplacing ? OutputFile::Existing::Replace : OutputFile::Existing::Keep;
+    return failure.empty() ? file.publish(existing, options.mIsDurable) : failure;
 }
 
 }  // namespace ktannot

@@ -70,6 +70,11 @@ std::int64_t getNow() { return std::chrono::steady_clock::now().time_since_epoch
 
 void WorkerProcess::work(const BatchRun& batch, WorkerControl& control, WorkerSlot& slot, int parent, int output) {
     setUp(parent);
+    MemoryLimit memory(batch.mOptions.mMemoryLimit);
+    if (batch.mSandbox != Sandbox::Mode::Off && !Sandbox::enter(batch.mPlaces) &&
+        batch.mSandbox == Sandbox::Mode::Require) {
+        _exit(sNoSandbox);
+    }
     DocumentWork work(batch.mOptions, batch.mReporter, batch.mNeedsFacts);
     const auto onView = [&slot](std::size_t number, const ViewResult& view) {
         PacketWriter packet;
@@ -80,7 +85,6 @@ void WorkerProcess::work(const BatchRun& batch, WorkerControl& control, WorkerSl
         packet.putText(view.mReason);
         slot.addView(packet.getBytes());
     };
-    MemoryLimit memory(batch.mOptions.mMemoryLimit);
     while (!control.mIsEnding.load()) {
         const std::uint64_t document = control.mNext.fetch_add(1);
         if (document >= batch.mInputs.size()) {

@@ -16,6 +16,8 @@ class WorkerProcess {
 public:
     /// Exit code of a worker whose document's file went away beneath it.
     static constexpr int sFileLost = 6;
+    /// Exit code of a worker that could not be shut in as it had to be.
+    static constexpr int sNoSandbox = 8;
 
     struct Header {
         std::uint64_t mLength = 0;    ///< of the report

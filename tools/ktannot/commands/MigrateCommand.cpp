@@ -109,6 +109,14 @@ ExitCode MigrateCommand::run(Channels& channels) {
     batch.mNeedsFacts = form == ReportForm::Lines;
     batch.mJobs = mOptions.getJobs(inputs.size());
     batch.mTimeLimit = mOptions.mTimeLimit;
+    batch.mSandbox = mOptions.mSandbox;
+    batch.mPlaces.mReadFolders = inputs.getFolders();
+    if (mOptions.mMigration.mRasterFolder) {
+        batch.mPlaces.mReadFolders.insert(*mOptions.mMigration.mRasterFolder);
+    }
+    if (!mOptions.mMigration.isToStandardOutput()) {
+        batch.mPlaces.mWriteFolder = mOptions.mMigration.mOutput;
+    }
     batch.mOnDone = [&](const DocumentReport& report) {
         if (form == ReportForm::Lines && !report.mIsStopped) {
             reportFile->add(report);

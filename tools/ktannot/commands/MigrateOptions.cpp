@@ -1,6 +1,7 @@
 #include "tools/ktannot/commands/MigrateOptions.h"
 
 #include "platform/svg/SvgWriter.h"
+#include "tools/ktannot/EnvironmentError.h"
 #include "tools/ktannot/UsageError.h"
 #include "tools/ktannot/batch/AcceptedLosses.h"
 #include "tools/ktannot/batch/OutputCheck.h"
@@ -105,6 +106,7 @@ void MigrateOptions::declareOutput(CLI::App& app) {
     app.add_flag("--skip-existing", mIsSkipping, "Keep drawings that are there already and make the others")
         ->excludes(force)
         ->group(sOutput);
+    app.add_flag("--durable", mMigration.mIsDurable, "Wait until each result is on the disk")->group(sOutput);
     app.add_flag("--dry-run", mMigration.mIsDryRun, "Do everything but write results, and tell what would be written")
         ->group(sOutput);
 }
@@ -137,6 +139,11 @@ void MigrateOptions::declareLimits(CLI::App& app) {
         ->group(sLimits);
     app.add_option("--isolate", mIsolateName, "auto: in processes that may die without the batch; off: in threads")
         ->check(CLI::IsMember({"auto", "off"}))
+        ->capture_default_str()
+        ->group(sLimits);
+    app.add_option("--sandbox", mSandboxName,
+                   "auto: these processes touch nothing else where the kernel can shut them in; off; require: or fail")
+        ->check(CLI::IsMember({"auto", "off", "require"}))
         ->capture_default_str()
         ->group(sLimits);
 }
@@ -180,6 +187,18 @@ void MigrateOptions::check() {
     }
     mTimeLimit = std::chrono::milliseconds(std::llround(mTimeLimitSeconds * 1000.0));
     mIsIsolated = mIsolateName == "auto";
+    if (mSandboxName == "off") {
+        mSandbox = Sandbox::Mode::Off;
+    } else if (mSandboxName == "require") {
+        mSandbox = Sandbox::Mode::Require;
+        if (!mIsIsolated) {
+            throw UsageError("--sandbox require shuts worker processes in, and --isolate off makes none");
+        }
+        if (!Sandbox::isSupported()) {
+            throw EnvironmentError("this kernel cannot shut processes in (it has no Landlock); --sandbox off does " +
+                                   std::string("without that"));
+        }
+    }
 }
 
 void MigrateOptions::parseShard() {

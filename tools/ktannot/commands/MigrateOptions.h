@@ -5,6 +5,7 @@
 
 #include "tools/ktannot/batch/InputSet.h"
 #include "tools/ktannot/batch/MigrationOptions.h"
+#include "tools/ktannot/batch/Sandbox.h"
 #include "tools/ktannot/console/Progress.h"
 
 #include <chrono>
@@ -44,6 +45,7 @@ public:
     std::optional<std::string> mReportPath;
     std::optional<std::string> mLogPath;
     std::chrono::milliseconds mTimeLimit{60'000};
+    Sandbox::Mode mSandbox = Sandbox::Mode::Auto;
     bool mIsResumed = false;
     bool mIsForced = false;
     bool mIsQuiet = false;
@@ -65,6 +67,7 @@ private:
     std::string mPictureBackgroundName = "none";
     std::string mProgressName = "auto";
     std::string mIsolateName = "auto";
+    std::string mSandboxName = "auto";
     double mHeadSize = 3.0;
     double mTimeLimitSeconds = 60.0;
     int mJobs = 0;

@@ -17,6 +17,7 @@ _ktannot() {
         --picture-background) words='none black' ;;
         --accept) words='view-metadata known-metadata other-metadata all' ;;
         --progress) words='auto none plain json' ;;
+        --sandbox) words='auto off require' ;;
         --isolate) words='auto off' ;;
         --color) words='auto always never' ;;
         -o | --output | --raster-dir | --base)
@@ -32,7 +33,7 @@ _ktannot() {
                         --background --picture-background
                         --force --skip-existing --memory-limit -q --quiet -v --verbose --log-file
                         --files-from -0 --base --shard --view --dry-run
-                        --progress --time-limit --isolate --resume'
+                        --progress --time-limit --isolate --resume --sandbox --durable'
                     ;;
                 inspect) words='-h --help --json --memory-limit --color' ;;
                 check) words='-h --help --json --memory-limit' ;;

@@ -17,6 +17,7 @@ complete -c ktannot -n $migrate -l base -x -a '(__fish_complete_directories)' -d
 complete -c ktannot -n $migrate -l shard -x -d 'One of N parts of the inputs'
 complete -c ktannot -n $migrate -l resume -d 'Go on where an earlier run ended'
 complete -c ktannot -n $migrate -l view -x -d 'Number of the only view'
+complete -c ktannot -n $migrate -l durable -d 'Wait until results are on the disk'
 complete -c ktannot -n $migrate -l dry-run -d 'Write no results'
 complete -c ktannot -n $migrate -l format -x -a 'svg json' -d 'What is written'
 complete -c ktannot -n $migrate -l accept -x -a 'view-metadata known-metadata other-metadata all' \
@@ -35,6 +36,7 @@ complete -c ktannot -n $migrate -s v -l verbose -d 'Name every drawing'
 complete -c ktannot -n $migrate -l progress -x -a 'auto none plain json' -d 'How progress is told'
 complete -c ktannot -n $migrate -l time-limit -x -d 'Seconds that one document may take'
 complete -c ktannot -n $migrate -l isolate -x -a 'auto off' -d 'Work in processes'
+complete -c ktannot -n $migrate -l sandbox -x -a 'auto off require' -d 'Shut these processes in'
 complete -c ktannot -n $migrate -l log-file -r -d 'Append the log to a file'
 
 complete -c ktannot -n '__fish_seen_subcommand_from migrate inspect check' -l memory-limit -x \

@@ -1,22 +1,16 @@
 #include "tools/ktannot/files/OutputFile.h"
 
+#include "tools/ktannot/files/OutputFolder.h"
+
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <atomic>
 #include <cerrno>
-#include <charconv>
-#include <csignal>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <functional>
-#include <mutex>
 #include <system_error>
-#include <unordered_set>
-#include <utility>
 
 namespace ktannot {
 
@@ -26,115 +20,63 @@ std::string describe(const char* what, int error) {
     return std::string(what) + ": " + std::generic_category().message(error);
 }
 
-/// What the names of temporary files begin with: the computer and its group of processes, whose numbers tell which
-/// files nobody works on any more. Several computers may write into one folder.
-const std::string& getPrefix() {
-    static const std::string sPrefix = [] {
-        std::array<char, 256> name{};
-        gethostname(name.data(), name.size() - 1);
-        struct stat processes {};
-        stat("/proc/self/ns/pid", &processes);
-        const std::size_t place = std::hash<std::string>()(name.data()) ^ processes.st_ino;
-        return ".ktannot-" + std::to_string(place % 1'000'000'007) + "-";
-    }();
-    return sPrefix;
-}
-
-/// Removes this computer's temporary files of the processes chosen.
-void removeTemporaries(const std::string& folder, const std::function<bool(int process)>& isChosen) {
-    std::error_code error;
-    std::filesystem::directory_iterator entry(folder.empty() ? "." : folder, error);
-    while (!error && entry != std::filesystem::directory_iterator()) {
-        const std::string name = entry->path().filename().string();
-        int process = 0;
-        if (name.starts_with(getPrefix())) {
-            std::from_chars(name.data() + getPrefix().size(), name.data() + name.size(), process);
-            if (process > 0 && isChosen(process)) {
-                unlink(entry->path().c_str());
-            }
-        }
-        entry.increment(error);
-    }
-}
-
-/// Whether a process has ended, perhaps without anybody having asked how.
-bool isGone(int process) {
-    if (kill(process, 0) != 0) {
-        return errno == ESRCH;
-    }
-    std::string status;
-    std::getline(std::ifstream("/proc/" + std::to_string(process) + "/stat"), status);
-    const std::size_t name = status.rfind(") ");
-    return name != std::string::npos && (status[name + 2] == 'Z' || status[name + 2] == 'X');
-}
-
-/// Removes what killed runs left in a folder, once.
-void clean(const std::string& folder) {
-    static std::mutex sMutex;
-    static std::unordered_set<std::size_t> sCleaned;
-    {
-        const std::lock_guard lock(sMutex);
-        if (!sCleaned.insert(std::hash<std::string>()(folder)).second) {
-            return;
-        }
-    }
-    removeTemporaries(folder, isGone);
-}
+std::string getFolderOf(const std::string& path) { return path.substr(0, path.rfind('/') + 1); }
 
 /// Renames, but not over a file that exists. As rename(), with errno EEXIST then.
-int renameToNewName(const char* from, const char* to) {
-    const int result = renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE);
+int renameToNewName(int folder, const char* from, const char* to) {
+    const int result = renameat2(folder, from, folder, to, RENAME_NOREPLACE);
     if (result == 0 || (errno != EINVAL && errno != ENOSYS)) {
         return result;
     }
     // File systems without that operation: the small gap between the question and the rename is theirs.
-    if (access(to, F_OK) == 0) {
+    if (faccessat(folder, to, F_OK, AT_SYMLINK_NOFOLLOW) == 0) {
         errno = EEXIST;
         return -1;
     }
-    return rename(from, to);
+    return renameat(folder, from, folder, to);
 }
 
 }  // namespace
 
-OutputFile::OutputFile(std::string path) : mPath(std::move(path)) {
-    std::error_code error;
-    const std::filesystem::path folder = std::filesystem::path(mPath).parent_path();
-    const bool isNew = !folder.empty() && std::filesystem::create_directories(folder, error);
-    if (error) {
-        mFailure = "cannot create the folder: " + error.message();
-        return;
-    }
-    if (!isNew) {
-        clean(folder.string());
-    }
+OutputFile::OutputFile(const std::string& path)
+    : mName(path.substr(path.rfind('/') + 1)), mFolder(OutputFolder::open(getFolderOf(path), mFailure)) {
+    create();
+}
+
+OutputFile::OutputFile(const std::string& root, const std::string& below)
+    : mName(below.substr(below.rfind('/') + 1)), mFolder(OutputFolder::openBelow(root, getFolderOf(below), mFailure)) {
     create();
 }
 
 OutputFile::~OutputFile() {
     if (mIsOnDisk) {
-        unlink(mTemporaryPath.c_str());
+        unlinkat(mFolder.get(), mTemporaryName.c_str(), 0);
     }
 }
 
 void OutputFile::create() {
     static std::atomic<unsigned int> sCounter{0};
-    const std::string folder = mPath.substr(0, mPath.rfind('/') + 1);
-    const std::string prefix = folder + getPrefix() + std::to_string(getpid()) + "-";
+    if (!mFolder.isOpen()) {
+        return;
+    }
+    OutputFolder::clean(mFolder);
     // A name may be left over from a killed process that had the same number; the next one is tried then.
     do {
-        mTemporaryPath = prefix + std::to_string(++sCounter);
-        mFile =
-            FileDescriptor(open(mTemporaryPath.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
-    } while (!mFile.isOpen() && errno == EEXIST);
+        mTemporaryName = OutputFolder::sTemporaryPrefix + std::to_string(getpid()) + "-" + std::to_string(++sCounter);
+        mFile = FileDescriptor(
+            openat(mFolder.get(), mTemporaryName.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
+    } while (mFile.isOpen() ? !isOwned() : errno == EEXIST);
     mIsOnDisk = mFile.isOpen();
     if (!mIsOnDisk) {
         mFailure = describe("cannot create a file in the folder", errno);
     }
 }
 
-void OutputFile::removeLeftOvers(const std::string& folder, int process) {
-    removeTemporaries(folder, [process](int owner) { return owner == process; });
+bool OutputFile::isOwned() const {
+    // Another run may have taken it for a left-over one before it was locked.
+    struct stat status {};
+    const bool isTaken = flock(mFile.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    return !isTaken && fstat(mFile.get(), &status) == 0 && status.st_nlink != 0;
 }
 
 std::string OutputFile::write(std::string_view content) {
@@ -148,17 +90,33 @@ std::string OutputFile::write(std::string_view content) {
     return {};
 }
 
-std::string OutputFile::publish(Existing existing) {
-    // A late failure of the disk shows when the file is closed, and must show before the rename.
-    if (close(mFile.release()) != 0) {
+std::string OutputFile::finishContent(bool isDurable) const {
+    if (isDurable && fsync(mFile.get()) != 0) {
         return describe("cannot write", errno);
     }
-    const int result = existing == Existing::Replace ? rename(mTemporaryPath.c_str(), mPath.c_str())
-                                                     : renameToNewName(mTemporaryPath.c_str(), mPath.c_str());
+    // A late failure of the disk shows when a descriptor of the file is closed, and must show before the rename. The
+    // other one keeps the lock.
+    const int other = fcntl(mFile.get(), F_DUPFD_CLOEXEC, 0);
+    return other < 0 || close(other) != 0 ? describe("cannot write", errno) : std::string();
+}
+
+std::string OutputFile::publish(Existing existing, bool isDurable) {
+    if (std::string failure = finishContent(isDurable); !failure.empty()) {
+        return failure;
+    }
+    const char* from = mTemporaryName.c_str();
+    const int result = existing == Existing::Replace ? renameat(mFolder.get(), from, mFolder.get(), mName.c_str())
+                                                     : renameToNewName(mFolder.get(), from, mName.c_str());
     if (result != 0) {
         return errno == EEXIST ? std::string(sExistsAlready) : describe("cannot rename the temporary file", errno);
     }
     mIsOnDisk = false;
+    if (isDurable) {
+        const FileDescriptor folder(openat(mFolder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        if (!folder.isOpen() || fsync(folder.get()) != 0) {
+            return describe("cannot bring the folder to the disk", errno);
+        }
+    }
     return {};
 }
 

@@ -22,7 +22,9 @@ public:
 
     /// Creates the temporary file, and the folder with all folders above it when there is none.
     /// @param path  the final name.
-    explicit OutputFile(std::string path);
+    explicit OutputFile(const std::string& path);
+    /// The same of a file below a folder: no link below it is followed out of it.
+    OutputFile(const std::string& root, const std::string& below);
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
     ~OutputFile();
@@ -35,17 +37,19 @@ public:
     /// Appends the content. Returns the reason of a failure, empty on success.
     std::string write(std::string_view content);
     /// Gives the file its final name. Returns the reason of a failure, empty on success.
-    std::string publish(Existing existing);
-
-    /// Removes the temporary files that a process that is gone has left in a folder.
-    static void removeLeftOvers(const std::string& folder, int process);
+    /// @param isDurable  wait until file and name are on the disk.
+    std::string publish(Existing existing, bool isDurable = false);
 
 private:
     void create();
+    /// Whether the file that was just made stays this process's.
+    bool isOwned() const;
+    std::string finishContent(bool isDurable) const;
 
-    std::string mPath;
-    std::string mTemporaryPath;
+    std::string mName;  ///< in the folder
+    std::string mTemporaryName;
     std::string mFailure;
+    FileDescriptor mFolder;
     FileDescriptor mFile;
     bool mIsOnDisk = false;
 };
