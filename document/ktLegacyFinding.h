@@ -33,7 +33,7 @@ struct KT_LEGACY_DOCUMENT_API ktLegacyFinding {
     std::string getName() const;
 
     ktFindingCode mCode = ktFindingCode::InternalError;
-    std::string mWhat;                       ///< one English sentence, in UTF-8: other bytes are escaped as \xNN
+    std::string mWhat;                       ///< one English sentence, in UTF-8: other bytes are escaped as `\xNN`
     std::optional<std::uint32_t> mObject;    ///< id of the object; 0 for the document itself
     std::optional<std::uint64_t> mOffset;    ///< bytes from the document's beginning
     std::optional<std::size_t> mView;        ///< index in the document's views, from 0
@@ -46,7 +46,7 @@ struct KT_LEGACY_DOCUMENT_API ktLegacyFinding {
     std::string mRemedy;                     ///< the option of the tool that helps; empty when there is none
 };
 
-/// The text with every byte that is no part of valid UTF-8 written as \xNN.
+/// The text with every byte that is no part of valid UTF-8 written as `\xNN`.
 KT_LEGACY_DOCUMENT_API std::string escapeInvalidUtf8(std::string_view text);
 
 }  // namespace ktLegacy

@@ -1,21 +1,23 @@
 /// @file
-/// From the bytes of a document of either kind to its drawings and dumps. Contract: nothing worse than refused views,
-/// and every drawing is well-formed XML.
+/// The front door whole: from the bytes of a document of either kind to its drawings, dumps and findings. Contract:
+/// whatever is not loaded or drawn has a finding with a sentence, every drawing is well-formed XML that refers to
+/// nothing outside itself, and drawing a view while releasing it gives the same bytes.
 
 #include "document/ktLegacyDocument.h"
 #include "document/ktViewDrawing.h"
+#include "fuzz/ReadBack.h"
 #include "library/ktAnnotationLegacyLibrary.h"
 #include "platform/system/log/ktLog.h"
 #include "tools/ktannot/report/CadJson.h"
 #include "tools/ktannot/report/JsonWriter.h"
 
-#include <expat.h>
-
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -25,11 +27,14 @@ public:
     void log(const kt::ktLogEntry&) noexcept override {}
 };
 
-bool isWellFormed(const std::string& text) {
-    XML_Parser parser = XML_ParserCreate("UTF-8");
-    const XML_Status status = XML_Parse(parser, text.data(), static_cast<int>(text.size()), 1);
-    XML_ParserFree(parser);
-    return status == XML_STATUS_OK;
+void expect(bool condition) {
+    if (!condition) {
+        std::abort();
+    }
+}
+
+bool haveSentences(const std::vector<ktLegacy::ktLegacyFinding>& findings) {
+    return std::ranges::none_of(findings, [](const auto& finding) { return finding.mWhat.empty(); });
 }
 
 using ktLegacy::ktViewDrawing;
@@ -46,10 +51,15 @@ ktViewDrawing makeDrawing(kt::svg::SvgWriter::TextMode mode) {
     });
 }
 
-void expectWellFormed(ktViewDrawing& drawing, const ktLegacy::ktAnnotationView& view) {
-    if (drawing.draw(view) && !isWellFormed(drawing.getSvg())) {
-        std::abort();
-    }
+/// The drawing; empty when the view was refused.
+std::string draw(ktViewDrawing& drawing, const ktLegacy::ktAnnotationView& view) {
+    const bool isDrawn = drawing.draw(view);
+    expect(haveSentences(drawing.getFindings()));
+    expect(isDrawn ? drawing.getReason().empty() : !drawing.getReason().empty() && !drawing.getFindings().empty());
+    std::string svg = drawing.getSvg();
+    const ktFuzz::DrawingFacts facts = ktFuzz::readBack(svg);
+    expect(isDrawn ? facts.mIsWellFormed && facts.mIsSelfContained : svg.empty());
+    return svg;
 }
 
 void dump(ktViewDrawing& drawing, const ktLegacy::ktAnnotationView& view) {
@@ -78,11 +88,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static ktViewDrawing sOutlines = makeDrawing(TextMode::Outlines);
     const auto document = ktLegacy::ktLegacyDocument::read(std::as_bytes(std::span(data, size)),
                                                            {.mMemoryLimit = memoryLimit, .mIsMapped = false});
+    expect(haveSentences(document.getFindings()));
+    expect(document.isLoaded() || (!document.getFindings().empty() && !document.getReason().empty()));
     for (const ktLegacy::ktLegacyDocument::View& view : document.getViews()) {
         if (view.mView != nullptr) {
-            expectWellFormed(sText, *view.mView);
-            expectWellFormed(sOutlines, *view.mView);
+            draw(sText, *view.mView);
             dump(sText, *view.mView);
+            const std::string whole = draw(sOutlines, *view.mView);
+            expect(sOutlines.drawAndRelease(*view.mView) == !whole.empty() && sOutlines.getSvg() == whole);
         }
     }
     return 0;
