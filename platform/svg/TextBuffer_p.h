@@ -116,8 +116,7 @@ char* putLiteral(char* out, const char (&text)[N]) {
 }
 
 inline char* putText(char* out, std::string_view text) {
-    std::memcpy(out, text.data(), text.size());
-    return out + text.size();
+    return std::copy(text.begin(), text.end(), out);  // an empty text may have no bytes to point at
 }
 
 }  // namespace kt::svg
