@@ -5,6 +5,7 @@
 #include <hb-ot.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <utility>
 #include FT_FREETYPE_H
@@ -172,6 +173,7 @@ std::shared_ptr<const Font> Font::open(const FontSource& source) {
     hb_blob_destroy(blob);
     if (hb_face_get_glyph_count(face) == 0) {
         hb_face_destroy(face);
+        errno = 0;
         return nullptr;
     }
     hb_face_make_immutable(face);

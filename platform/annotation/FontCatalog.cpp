@@ -1,7 +1,10 @@
 #include "platform/annotation/FontCatalog_p.h"
 #include "platform/annotation/TextProperties.h"
 
+#include <cerrno>
 #include <cstdlib>
+#include <string_view>
+#include <system_error>
 
 namespace kt::text {
 
@@ -10,7 +13,66 @@ namespace {
 /// Far more families than a set of documents has, unless it is made to exhaust memory.
 constexpr std::size_t sMaxStackCount = 1024;
 
+constexpr const char* sLanguageVariable = "FC_LANG";
+
+/// The font configuration adds the languages of the environment to every request, and keeps those that it finds at
+/// first. It shall find one, so that fonts do not depend on the locale.
+void fixLanguages() {
+    const char* former = std::getenv(sLanguageVariable);
+    const std::string formerLanguages = former != nullptr ? former : "";
+    setenv(sLanguageVariable, "en", 1);
+    FcStrSetDestroy(FcGetDefaultLangs());
+    if (former != nullptr) {
+        setenv(sLanguageVariable, formerLanguages.c_str(), 1);
+    } else {
+        unsetenv(sLanguageVariable);
+    }
+}
+
+/// Families that stand in for those that documents name most and for missing ones, and what is done where a style is
+/// missing. Nothing here comes from the machine: the same folder gives the same fonts everywhere.
+constexpr std::string_view sFolderRules =
+    R"(<alias binding="same"><family>Arial</family><accept><family>Liberation Sans</family></accept></alias>
+<alias binding="same"><family>Helvetica</family><accept><family>Liberation Sans</family></accept></alias>
+<alias binding="same"><family>Times New Roman</family><accept><family>Liberation Serif</family></accept></alias>
+<alias binding="same"><family>Courier New</family><accept><family>Liberation Mono</family></accept></alias>
+<match target="pattern"><test qual="all" name="family" compare="not_eq"><string>sans-serif</string></test>
+<edit name="family" mode="append_last"><string>sans-serif</string></edit></match>
+<alias><family>sans-serif</family><prefer><family>Liberation Sans</family><family>DejaVu Sans</family>
+<family>Noto Sans</family></prefer></alias>
+<match target="font"><test name="slant"><const>roman</const></test>
+<test target="pattern" name="slant" compare="not_eq"><const>roman</const></test>
+<edit name="matrix" mode="assign"><times><name>matrix</name><matrix><double>1</double><double>0.2</double>
+<double>0</double><double>1</double></matrix></times></edit></match>
+<match target="font"><test name="weight" compare="less_eq"><const>medium</const></test>
+<test target="pattern" name="weight" compare="more_eq"><const>bold</const></test>
+<edit name="embolden" mode="assign"><bool>true</bool></edit></match>)";
+
+std::string makeFolderRules(const std::string& folder) {
+    std::string rules = "<?xml version=\"1.0\"?><fontconfig><cachedir prefix=\"xdg\">fontconfig</cachedir><dir>";
+    for (const char character : folder) {
+        switch (character) {
+            case '&':
+                rules += "&amp;";
+                break;
+            case '<':
+                rules += "&lt;";
+                break;
+            default:
+                rules += character;
+        }
+    }
+    return rules.append("</dir>").append(sFolderRules).append("</fontconfig>");
+}
+
+bool hasFonts(FcConfig* config) {
+    const FcFontSet* fonts = FcConfigGetFonts(config, FcSetSystem);
+    return fonts != nullptr && fonts->nfont > 0;
+}
+
 }  // namespace
+
+FontCatalog::FontCatalog() { fixLanguages(); }
 
 FontCatalog& FontCatalog::getInstance() {
     static FontCatalog* const sInstance = [] {
@@ -28,22 +90,67 @@ std::shared_ptr<const FontStack> FontCatalog::getStack(const std::string& family
         mStacks.clear();
     }
     std::shared_ptr<const FontStack>& stack = mStacks[{family, usedStyle}];
-    if (stack == nullptr) {
+    // What kept a font from being used may be over.
+    if (stack == nullptr || stack->hasProblems()) {
         stack = std::make_shared<FontStack>(*this, family, usedStyle);
     }
     return stack;
 }
 
-std::shared_ptr<const Font> FontCatalog::getFont(const FontSource& source) {
+std::shared_ptr<const Font> FontCatalog::getFont(const FontSource& source, std::vector<FontProblem>& problems) {
     const std::scoped_lock lock(mFontMutex);
     std::weak_ptr<const Font>& known = mFonts[source];
     std::shared_ptr<const Font> font = known.lock();
     if (font == nullptr) {
         font = Font::open(source);
+        const int error = errno;
         known = font;
+        if (font == nullptr) {
+            const bool isDamaged = error == 0;
+            problems.push_back({isDamaged ? FontProblem::Kind::Damaged : FontProblem::Kind::CannotOpen, source.mPath,
+                                isDamaged ? "" : std::generic_category().message(error)});
+        }
     }
     return font;
 }
+
+bool FontCatalog::restrictTo(const std::string& folder) {
+    FcConfig* config = FcConfigCreate();
+    const std::string rules = makeFolderRules(folder);
+    const bool isUsable =
+        config != nullptr &&
+        FcConfigParseAndLoadFromMemory(config, reinterpret_cast<const FcChar8*>(rules.c_str()), FcFalse) == FcTrue &&
+        FcConfigBuildFonts(config) == FcTrue && hasFonts(config);
+    if (!isUsable) {
+        if (config != nullptr) {
+            FcConfigDestroy(config);
+        }
+        return false;
+    }
+    clear();
+    const std::scoped_lock lock(mStackMutex);
+    mConfigs.push_back(config);
+    return true;
+}
+
+void FontCatalog::appendProblems(std::vector<FontProblem>& problems) const {
+    FcConfig* config = getConfig();
+    FcConfig* used = config != nullptr ? config : FcConfigGetCurrent();
+    if (used == nullptr || !hasFonts(used)) {
+        problems.push_back({FontProblem::Kind::NoFont, "", ""});
+    }
+    if (config == nullptr && used != nullptr) {
+        FcStrList* files = FcConfigGetConfigFiles(used);
+        if (files == nullptr || FcStrListNext(files) == nullptr) {
+            problems.push_back({FontProblem::Kind::NoConfiguration, "", ""});
+        }
+        if (files != nullptr) {
+            FcStrListDone(files);
+        }
+    }
+}
+
+FcConfig* FontCatalog::getConfig() const { return mConfigs.empty() ? nullptr : mConfigs.back(); }
 
 void FontCatalog::clear() {
     const std::scoped_lock lock(mStackMutex);

@@ -9,7 +9,7 @@ namespace {
 
 const FcChar8* toFcText(const char* text) { return reinterpret_cast<const FcChar8*>(text); }
 
-FcPattern* createRequest(const std::string& family, unsigned style) {
+FcPattern* createRequest(FcConfig* config, const std::string& family, unsigned style) {
     FcPattern* request = FcPatternCreate();
     FcPatternAddString(request, FC_FAMILY, toFcText(family.c_str()));
     FcPatternAddInteger(request, FC_WEIGHT, (style & TextProperties::sBold) != 0 ? FC_WEIGHT_BOLD : FC_WEIGHT_REGULAR);
@@ -17,7 +17,7 @@ FcPattern* createRequest(const std::string& family, unsigned style) {
     FcPatternAddBool(request, FC_OUTLINE, FcTrue);
     // A fixed language: a drawing must not depend on the locale of whoever makes it.
     FcPatternAddString(request, FC_LANG, toFcText("en"));
-    FcConfigSubstitute(nullptr, request, FcMatchPattern);
+    FcConfigSubstitute(config, request, FcMatchPattern);
     FcDefaultSubstitute(request);
     return request;
 }
@@ -32,7 +32,7 @@ bool isUsable(const FcPattern* pattern) {
     return getFlag(pattern, FC_OUTLINE) && !getFlag(pattern, FC_COLOR) && !getFlag(pattern, FC_VARIABLE);
 }
 
-bool isOfFamily(const FcPattern* pattern, const std::string& family) {
+bool hasFamily(const FcPattern* pattern, const std::string& family) {
     FcChar8* name = nullptr;
     for (int index = 0; FcPatternGetString(pattern, FC_FAMILY, index, &name) == FcResultMatch; ++index) {
         if (FcStrCmpIgnoreCase(name, toFcText(family.c_str())) == 0) {
@@ -89,22 +89,11 @@ bool hasAll(const FcCharSet* characters, std::u32string_view cluster) {
 
 FontStack::FontStack(FontCatalog& catalog, const std::string& family, unsigned style)
     // Names end at a NUL for the font configuration.
-    : mCatalog(catalog), mFamily(family.substr(0, family.find('\0'))), mRequest(createRequest(mFamily, style)) {
-    FcResult result = FcResultMatch;
-    FcFontSet* fonts = FcFontSort(nullptr, mRequest, FcTrue, nullptr, &result);
-    if (fonts == nullptr) {
-        return;
-    }
-    for (int index = 0; index < fonts->nfont; ++index) {
-        FcPattern* pattern = fonts->fonts[index];
-        Entry entry;
-        if (isUsable(pattern) && FcPatternGetCharSet(pattern, FC_CHARSET, 0, &entry.mCharacters) == FcResultMatch) {
-            FcPatternReference(pattern);
-            entry.mPattern = pattern;
-            mEntries.push_back(std::move(entry));
-        }
-    }
-    FcFontSetDestroy(fonts);
+    : mCatalog(catalog),
+      mFamily(family.substr(0, family.find('\0'))),
+      mConfig(catalog.getConfig()),
+      mRequest(createRequest(mConfig, mFamily, style)) {
+    catalog.appendProblems(mProblems);
 }
 
 FontStack::~FontStack() {
@@ -122,30 +111,118 @@ const Font* FontStack::getMainFont() const {
 const Font* FontStack::findFont(std::u32string_view cluster) const {
     const std::scoped_lock lock(mMutex);
     const Font* mainFont = findMainFont();
+    if (mMainFont != nullptr && hasAll(mEntries[mMainEntry].mCharacters, cluster)) {
+        return mainFont;
+    }
+    findAllEntries();
     for (const std::u32string_view wanted : {cluster, cluster.substr(0, 1)}) {
-        for (Entry& entry : mEntries) {
-            if (!hasAll(entry.mCharacters, wanted)) {
-                continue;
-            }
-            if (const Font* font = openEntry(entry); font != nullptr) {
-                if (font != mainFont) {
-                    tellSubstitute(entry);
-                }
-                return font;
-            }
+        if (const Font* font = findFontWith(wanted); font != nullptr) {
+            return font;
         }
     }
     return mainFont;
 }
 
-const Font* FontStack::findMainFont() const {
-    for (std::size_t index = 0; mMainFont == nullptr && index < mEntries.size(); ++index) {
-        Entry& entry = mEntries[index];
-        mMainFont = openEntry(entry);
-        if (mMainFont != nullptr && !isOfFamily(entry.mPattern, mFamily)) {
-            ktLogObject(ktLog::Debug, nullptr, ktLog::msInstance, nullptr, false)
-                << "Font '" << mFamily << "' is not installed, '" << getFamily(entry.mPattern) << "' is used instead";
+const Font* FontStack::findFontWith(std::u32string_view characters) const {
+    for (Entry& entry : mEntries) {
+        if (!hasAll(entry.mCharacters, characters)) {
+            continue;
         }
+        if (const Font* font = openEntry(entry); font != nullptr) {
+            if (font != mMainFont) {
+                tellSubstitute(entry);
+            }
+            return font;
+        }
+    }
+    return nullptr;
+}
+
+std::string FontStack::getUsedFamily() const {
+    const std::scoped_lock lock(mMutex);
+    return findMainFont() != nullptr ? getFamily(mEntries[mMainEntry].mPattern) : std::string();
+}
+
+bool FontStack::isOfFamily() const {
+    const std::scoped_lock lock(mMutex);
+    return findMainFont() != nullptr && hasFamily(mEntries[mMainEntry].mPattern, mFamily);
+}
+
+FontSource FontStack::getMainSource() const {
+    const std::scoped_lock lock(mMutex);
+    return findMainFont() != nullptr ? mMainFont->getSource() : FontSource();
+}
+
+bool FontStack::hasProblems() const {
+    const std::scoped_lock lock(mMutex);
+    return !mProblems.empty();
+}
+
+void FontStack::appendProblems(std::vector<FontProblem>& problems) const {
+    const std::scoped_lock lock(mMutex);
+    problems.insert(problems.end(), mProblems.begin(), mProblems.end());
+}
+
+void FontStack::addEntry(FcPattern* pattern) const {
+    Entry entry;
+    if (isUsable(pattern) && FcPatternGetCharSet(pattern, FC_CHARSET, 0, &entry.mCharacters) == FcResultMatch) {
+        FcPatternReference(pattern);
+        entry.mPattern = pattern;
+        mEntries.push_back(std::move(entry));
+    }
+}
+
+/// The best match alone takes a third of the time for all, and many texts need no other font.
+void FontStack::findFirstEntry() const {
+    FcResult result = FcResultMatch;
+    FcPattern* pattern = FcFontMatch(mConfig, mRequest, &result);
+    if (pattern != nullptr) {
+        addEntry(pattern);
+        FcPatternDestroy(pattern);
+    }
+}
+
+void FontStack::findAllEntries() const {
+    if (mHasAllEntries) {
+        return;
+    }
+    mHasAllEntries = true;
+    FcResult result = FcResultMatch;
+    FcFontSet* fonts = FcFontSort(mConfig, mRequest, FcTrue, nullptr, &result);
+    if (fonts == nullptr) {
+        return;
+    }
+    // The best match stands in front, if it is usable.
+    const std::size_t known = mEntries.size();
+    for (int index = 0; index < fonts->nfont; ++index) {
+        if (index > 0 || known == 0) {
+            addEntry(fonts->fonts[index]);
+        }
+    }
+    FcFontSetDestroy(fonts);
+}
+
+const Font* FontStack::findMainFont() const {
+    if (mMainFont != nullptr) {
+        return mMainFont;
+    }
+    if (mEntries.empty() && !mHasAllEntries) {
+        findFirstEntry();
+    }
+    for (std::size_t index = 0; mMainFont == nullptr; ++index) {
+        if (index == mEntries.size()) {
+            findAllEntries();
+        }
+        if (index == mEntries.size()) {
+            break;
+        }
+        mMainFont = openEntry(mEntries[index]);
+        mMainEntry = index;
+    }
+    if (mMainFont != nullptr && !hasFamily(mEntries[mMainEntry].mPattern, mFamily)) {
+        ktLogObject(ktLog::Debug, nullptr, ktLog::msInstance, nullptr, false)
+            << "Font '" << mFamily << "' is not installed, '" << getFamily(mEntries[mMainEntry].mPattern)
+            << "' is used instead";
     }
     return mMainFont;
 }
@@ -153,8 +230,8 @@ const Font* FontStack::findMainFont() const {
 const Font* FontStack::openEntry(Entry& entry) const {
     if (!entry.mIsTried) {
         entry.mIsTried = true;
-        FcPattern* prepared = FcFontRenderPrepare(nullptr, mRequest, entry.mPattern);
-        entry.mFont = mCatalog.getFont(getSource(prepared));
+        FcPattern* prepared = FcFontRenderPrepare(mConfig, mRequest, entry.mPattern);
+        entry.mFont = mCatalog.getFont(getSource(prepared), mProblems);
         FcPatternDestroy(prepared);
     }
     return entry.mFont.get();

@@ -69,7 +69,7 @@ struct FontMetrics {
 /// may work on several threads. All positions are in font units.
 class Font {
 public:
-    /// Null when the file is no usable font.
+    /// Null when the file cannot be read, which errno then explains, or is no usable font, when errno is 0.
     static std::shared_ptr<const Font> open(const FontSource& source);
 
     Font(const Font&) = delete;
@@ -78,6 +78,7 @@ public:
 
     hb_font_t* getShapingFont() const { return mShapingFont.get(); }
     hb_face_t* getFace() const { return hb_font_get_face(mShapingFont.get()); }
+    const FontSource& getSource() const { return mSource; }
     unsigned getUnitsPerEm() const { return mUnitsPerEm; }
     const FontMetrics& getMetrics() const { return mMetrics; }
 

@@ -61,6 +61,9 @@ void reorder(const std::vector<LaidOutRun>& runs, std::vector<std::size_t>& orde
 
 bool TextLayout::layOut(const TextArea& area) {
     if (mFonts.size() > sMaxRememberedStyles) {
+        std::vector<FontProblem> problems;
+        appendFontProblems(problems);
+        mFormerProblems = std::move(problems);
         mShaper.clear();
         mFonts.clear();
         mLastFonts = nullptr;
@@ -81,6 +84,13 @@ bool TextLayout::layOut(const TextArea& area) {
         mHeight += line.mAscent + line.mDescent + (index + 1 < mLines.size() ? line.mGap : 0.0);
     }
     return mWidth < sMaxExtent && mHeight < sMaxExtent;
+}
+
+void TextLayout::appendFontProblems(std::vector<FontProblem>& problems) const {
+    problems.insert(problems.end(), mFormerProblems.begin(), mFormerProblems.end());
+    for (const auto& [key, fonts] : mFonts) {
+        fonts->getStack()->appendProblems(problems);
+    }
 }
 
 bool TextLayout::hasExtent() const {

@@ -57,6 +57,8 @@ public:
     const std::vector<LaidOutLine>& getLines() const { return mLines; }
     /// Runs of all lines, in logical order within a line.
     std::vector<LaidOutRun>& editRuns() { return mRuns; }
+    /// Appends what kept fonts from being used in all blocks since the layout was made.
+    void appendFontProblems(std::vector<FontProblem>& problems) const;
     /// Whether anything of the block can be seen: text of no size cannot.
     bool hasExtent() const;
     double getWidth() const { return mWidth; }
@@ -85,9 +87,10 @@ private:
     LaidOutRun& addRun(const SegmentStyle& style);
 
     std::unordered_map<std::string, std::unique_ptr<StyleFonts>> mFonts;
-    std::string mFontsKey;                ///< of the fonts found last
-    StyleFonts* mLastFonts = nullptr;     ///< null: none since the fonts were forgotten
-    StyleFonts* mDefaultFonts = nullptr;  ///< of the area at work
+    std::string mFontsKey;                     ///< of the fonts found last
+    StyleFonts* mLastFonts = nullptr;          ///< null: none since the fonts were forgotten
+    StyleFonts* mDefaultFonts = nullptr;       ///< of the area at work
+    std::vector<FontProblem> mFormerProblems;  ///< of fonts that were forgotten
     RunShaper mShaper;
 
     std::vector<LaidOutLine> mLines;

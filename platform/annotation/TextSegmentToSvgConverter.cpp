@@ -69,6 +69,15 @@ TextSegmentToSvgConverter::TextSegmentToSvgConverter() : mLayout(std::make_uniqu
 
 TextSegmentToSvgConverter::~TextSegmentToSvgConverter() = default;
 
+std::vector<FontProblem> TextSegmentToSvgConverter::getFontProblems() const {
+    std::vector<FontProblem> problems;
+    mLayout->mTextLayout.appendFontProblems(problems);
+    for (auto problem = problems.begin(); problem != problems.end();) {
+        problem = std::find(problems.begin(), problem, *problem) != problem ? problems.erase(problem) : problem + 1;
+    }
+    return problems;
+}
+
 bool TextSegmentToSvgConverter::convertTextAreaToSvg(const TextArea& area, svg::Node& target, Wm4::Vector2<float>* size,
                                                      const char* boundingBoxId) const {
     TextLayout& layout = mLayout->mTextLayout;

@@ -3,12 +3,14 @@
 /// @file
 /// Text layout.
 
+#include "platform/annotation/FontProblem.h"
 #include "platform/annotation/TextArea.h"
 #include "platform/annotation/ktAnnotationExport.h"
 #include "platform/svg/Node.h"
 #include "platform/wm4/Wm4Vector2.h"
 
 #include <memory>
+#include <vector>
 
 namespace kt::text {
 
@@ -46,6 +48,10 @@ public:
     ///         small to be seen. Marks without a base letter have the extent of their ink.
     bool convertTextAreaToSvg(const TextArea& area, svg::Node& target, Wm4::Vector2<float>* size,
                               const char* boundingBoxId) const;
+
+    /// What kept fonts from being used since the converter was made, each once: texts that it has laid out may be set
+    /// in other fonts than they should be. Empty on a machine that is well.
+    std::vector<FontProblem> getFontProblems() const;
 
 private:
     class Layout;
