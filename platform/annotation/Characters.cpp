@@ -8,14 +8,17 @@ char32_t toShownCharacter(char32_t character) {
         character == 0x2029) {
         return U' ';
     }
-    const bool isControl = character < 0x20 || (character >= 0x7F && character <= 0x9F);
-    return isControl || encoding::isNoncharacter(character) ? encoding::sReplacementCharacter : character;
+    const bool isInXml = character >= 0x20 && character != 0xFFFE && character != 0xFFFF;
+    return isInXml ? character : encoding::sReplacementCharacter;
 }
 
 void appendShownCharacters(std::string_view bytes, std::u32string& characters) {
     while (!bytes.empty()) {
         const encoding::Utf8Character character = encoding::decodeUtf8(bytes);
-        characters.push_back(toShownCharacter(character.mCode));
+        // A carriage return and a line feed are one line end.
+        if (!bytes.starts_with("\r\n")) {
+            characters.push_back(toShownCharacter(character.mCode));
+        }
         bytes.remove_prefix(character.mLength);
     }
 }

@@ -80,6 +80,8 @@ public:
     hb_face_t* getFace() const { return hb_font_get_face(mShapingFont.get()); }
     const FontSource& getSource() const { return mSource; }
     unsigned getUnitsPerEm() const { return mUnitsPerEm; }
+    /// How far a point moves to the right per unit of its height.
+    double getSlant() const { return mSource.mMatrix[1]; }
     const FontMetrics& getMetrics() const { return mMetrics; }
 
     /// The glyph of a character, 0 when the font has none.

@@ -7,13 +7,11 @@ namespace kt::text {
 
 namespace {
 
-void appendGlyph(const Font& font, hb_codepoint_t glyph, const Wm4::Vector2<float>& position, float size,
-                 std::vector<svg::PlacedGlyph>& glyphs) {
-    constexpr hb_codepoint_t sMissingGlyph = 0;
-    const svg::Path* outline = font.getOutline(glyph);
-    if (outline != nullptr || glyph == sMissingGlyph) {
-        const float scale = size / static_cast<float>(font.getUnitsPerEm());
-        glyphs.push_back({outline, position, scale, glyph == sMissingGlyph});
+void appendGlyph(const PlacedGlyphs::Glyph& glyph, float size, std::vector<svg::PlacedGlyph>& glyphs) {
+    const svg::Path* outline = glyph.mFont->getOutline(glyph.mGlyph);
+    if (outline != nullptr || glyph.mMissing != 0) {
+        const float scale = size / static_cast<float>(glyph.mFont->getUnitsPerEm());
+        glyphs.push_back({outline, glyph.mPosition, scale, glyph.mMissing});
     }
 }
 
@@ -35,7 +33,7 @@ void SimpleGlyphs::appendGlyphs(const svg::Text& text, std::vector<svg::PlacedGl
         for (const ShapedGlyph& glyph : run.mGlyphs) {
             const Wm4::Vector2<float> position(static_cast<float>(pen + static_cast<double>(glyph.mX) * scale),
                                                static_cast<float>(-static_cast<double>(glyph.mY) * scale));
-            appendGlyph(*font, glyph.mGlyph, position, text.getSize(), glyphs);
+            appendGlyph({font, glyph.mGlyph, glyph.mMissing, position}, text.getSize(), glyphs);
         }
         pen += static_cast<double>(run.mAdvance) * scale;
         start = end;
@@ -43,8 +41,9 @@ void SimpleGlyphs::appendGlyphs(const svg::Text& text, std::vector<svg::PlacedGl
 }
 
 void PlacedGlyphs::appendGlyphs(const svg::Text& text, std::vector<svg::PlacedGlyph>& glyphs) const {
-    for (const Glyph& glyph : mGlyphs) {
-        appendGlyph(*glyph.mFont, glyph.mGlyph, glyph.mPosition * text.getSize(), text.getSize(), glyphs);
+    for (Glyph glyph : mGlyphs) {
+        glyph.mPosition = glyph.mPosition * text.getSize();
+        appendGlyph(glyph, text.getSize(), glyphs);
     }
 }
 

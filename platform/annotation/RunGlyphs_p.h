@@ -30,6 +30,7 @@ public:
     struct Glyph {
         const Font* mFont = nullptr;
         hb_codepoint_t mGlyph = 0;
+        char32_t mMissing = 0;            ///< as ShapedGlyph's
         Wm4::Vector2<float> mPosition{};  ///< in ems, y down
     };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 
 namespace kt::text {
 
@@ -77,7 +78,10 @@ void RunShaper::shapeInto(const RunRequest& request, ShapedRun& run) {
     run.mGlyphs.reserve(count);
     for (unsigned index = 0; index < count; ++index) {
         const hb_glyph_position_t& position = positions[index];
-        const ShapedGlyph glyph{infos[index].codepoint, run.mAdvance + position.x_offset, position.y_offset};
+        // What is raised moves along with a slanted letter.
+        const auto slant = static_cast<std::int64_t>(std::lround(request.mFont->getSlant() * position.y_offset));
+        ShapedGlyph glyph{infos[index].codepoint, run.mAdvance + position.x_offset + slant, position.y_offset};
+        glyph.mMissing = glyph.mGlyph == 0 ? text[infos[index].cluster] : 0;
         run.mInk.addBox(request.mFont->getInkBox(glyph.mGlyph)
                             .makeMoved(static_cast<double>(glyph.mX), static_cast<double>(glyph.mY)));
         run.mGlyphs.push_back(glyph);

@@ -23,6 +23,7 @@ struct ShapedGlyph {
     hb_codepoint_t mGlyph = 0;
     std::int64_t mX = 0;
     std::int64_t mY = 0;
+    char32_t mMissing = 0;  ///< the character, when the font has no glyph for it
 };
 
 /// What shaping a run gives, in font units; glyphs from left to right.

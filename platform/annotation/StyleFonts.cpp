@@ -105,7 +105,7 @@ bool StyleFonts::placeSimple(std::u32string_view text, hb_script_t script, Shape
         }
         run.mAdvance += kerning;
         run.mInk.addBox(character.mInk.makeMoved(static_cast<double>(run.mAdvance), 0.0));
-        run.mGlyphs.push_back({character.mGlyph, run.mAdvance, 0});
+        run.mGlyphs.push_back({character.mGlyph, run.mAdvance, 0, 0});
         run.mAdvance += character.mAdvance;
         last = &character;
     }

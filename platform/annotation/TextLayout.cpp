@@ -210,7 +210,8 @@ void TextLayout::shapePieces(StyleFonts& fonts, std::size_t start, std::size_t l
         for (const ShapedGlyph& glyph : shaped.mGlyphs) {
             const double x = run.mExtent.mAdvance + static_cast<double>(glyph.mX) / unitsPerEm;
             const double y = -static_cast<double>(glyph.mY) / unitsPerEm;
-            glyphs.push_back({piece.mFont, glyph.mGlyph, {static_cast<float>(x), static_cast<float>(y)}});
+            glyphs.push_back(
+                {piece.mFont, glyph.mGlyph, glyph.mMissing, {static_cast<float>(x), static_cast<float>(y)}});
         }
         fonts.addPiece(*piece.mFont, shaped.mAdvance, shaped.mInk, run.mExtent);
     }

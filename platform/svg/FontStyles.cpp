@@ -5,6 +5,7 @@
 #include "platform/svg/XmlText_p.h"
 
 #include <algorithm>
+#include <array>
 
 namespace kt::svg {
 
@@ -12,6 +13,24 @@ namespace {
 
 /// Longer family names are nobody's.
 constexpr std::size_t sMaxFamilySize = 1000;
+
+/// The generic family whose fonts look like the family's, as its name tells.
+std::string_view findGenericFamily(std::string_view family) {
+    std::string name(family);
+    std::transform(name.begin(), name.end(), name.begin(), [](char character) {
+        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+    });
+    const auto holds = [&name](std::string_view part) { return name.find(part) != std::string::npos; };
+    constexpr std::array sMonospaced{"mono", "courier", "consol", "typewriter", "terminal", "fixed"};
+    constexpr std::array sSerif{"serif",   "times",   "roman",      "georgia",     "garamond", "palatino", "cambria",
+                                "bookman", "antiqua", "schoolbook", "baskerville", "mincho",   "simsun"};
+    if (std::any_of(sMonospaced.begin(), sMonospaced.end(), holds)) {
+        return "monospace";
+    }
+    // Technical lettering bears the name of a face that it does not have.
+    const bool isLettering = holds("sans") || holds("romans") || holds("iso");
+    return !isLettering && std::any_of(sSerif.begin(), sSerif.end(), holds) ? "serif" : "sans-serif";
+}
 
 /// The family as a quoted CSS string with a generic family to fall back on.
 std::string makeFontFamily(std::string_view font) {
@@ -23,7 +42,8 @@ std::string makeFontFamily(std::string_view font) {
         const bool isControl = static_cast<unsigned char>(character) < 0x20;
         family.push_back(isControl ? ' ' : character);
     }
-    return family.empty() ? "sans-serif" : "'" + family + "',sans-serif";
+    const std::string_view generic = findGenericFamily(family);
+    return family.empty() ? std::string(generic) : "'" + family + "'," + std::string(generic);
 }
 
 /// A, B, ..., Z, AA, AB, ...

@@ -19,7 +19,7 @@ struct PlacedGlyph {
     const Path* mOutline = nullptr;  ///< null when there is nothing to draw
     Wm4::Vector2<float> mPosition{};
     float mScale = 1.0F;
-    bool mIsMissing = false;  ///< stands for a character that no font has
+    char32_t mMissing = 0;  ///< the character, when no font has it; else 0
 };
 
 /// Something that can give the outlines of a text item: implemented by the text layout, asked by the writer. Outlines

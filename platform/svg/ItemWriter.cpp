@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 
 namespace kt::svg {
@@ -437,11 +438,7 @@ void ItemWriter::writeOutlines(const Text& text, const Affine& map, const WriteC
         warn(Warning::Kind::NumberNotFinite, "a text", sNotFinite);
         return;
     }
-    if (std::any_of(mPlacedGlyphs.begin(), mPlacedGlyphs.end(), [](const auto& glyph) { return glyph.mIsMissing; })) {
-        mWarnings.push_back(
-            {Warning::Kind::GlyphMissing,
-             "boxes stand for characters that no installed font has; install one that has them, or draw text as text"});
-    }
+    warnOfMissingGlyphs();
     const Paint paint{getPaint(text, context.mInherited).mColor, sNone};
     mBuffer->append("<g");
     appendTransform(run, context.mScale);
@@ -453,6 +450,28 @@ void ItemWriter::writeOutlines(const Text& text, const Affine& map, const WriteC
         writeGlyph(glyph, runScale, decimals);
     }
     mBuffer->append("</g>\n");
+}
+
+/// Names the characters behind the boxes among the placed glyphs, each once per file.
+void ItemWriter::warnOfMissingGlyphs() {
+    std::string names;
+    for (const PlacedGlyph& glyph : mPlacedGlyphs) {
+        if (glyph.mMissing == 0 || !mMissingCharacters.insert(glyph.mMissing).second) {
+            continue;
+        }
+        char code[16];
+        std::snprintf(code, sizeof(code), "U+%04X", static_cast<unsigned>(glyph.mMissing));
+        names.append(names.empty() ? "" : ", ").append(code);
+        if (glyph.mMissing >= 0xA0 && !encoding::isNoncharacter(glyph.mMissing)) {
+            names.append(" ");
+            encoding::appendUtf8(glyph.mMissing, names);
+        }
+    }
+    if (!names.empty()) {
+        mWarnings.push_back({Warning::Kind::GlyphMissing, "boxes stand for characters that no installed font has (" +
+                                                              names +
+                                                              "); install one that has them, or draw text as text"});
+    }
 }
 
 void ItemWriter::writeGlyph(const PlacedGlyph& glyph, double runScale, int decimals) {

@@ -99,6 +99,7 @@ private:
     void writePath(const Path& path, const Affine& map, const WriteContext& context);
     void writeText(const Text& text, const Affine& map, const WriteContext& context);
     void writeOutlines(const Text& text, const Affine& map, const WriteContext& context);
+    void warnOfMissingGlyphs();
     void writeGlyph(const PlacedGlyph& glyph, double runScale, int decimals);
 
     static char* putPaint(char* out, const Paint& paint, const Paint& written);
@@ -117,6 +118,7 @@ private:
     GlyphDefinitions mGlyphs;
     PictureDefinitions mPictures;
     std::vector<PlacedGlyph> mPlacedGlyphs;
+    std::unordered_set<char32_t> mMissingCharacters;  ///< that warnings have named
     std::vector<Warning> mWarnings;
 };
 

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cmath>
 #include <random>
 #include <utility>
 
@@ -20,9 +21,9 @@ TEST(SimpleTextTest, ShowsEveryByte) {
     const std::pair<std::string_view, std::string_view> rows[] = {
         {{"a\0b", 3}, "a" REPLACED "b"},
         {"a\tb", "a b"},
-        {"a\r\nb", "a  b"},
-        {"a\x1B\x7F", "a" REPLACED REPLACED},
-        {"a\u0080\u0085z", "a" REPLACED " z"},
+        {"a\r\nb\n\rc\r", "a b  c "},
+        {"a\x1B", "a" REPLACED},
+        {"a\u0085z", "a z"},
         {"a\uFFFE\uFFFFz", "a" REPLACED REPLACED "z"},
         {"a\x80\xBFz", "a" REPLACED REPLACED "z"},
         {"a\xC0\xAFz", "a" REPLACED REPLACED "z"},
@@ -36,6 +37,11 @@ TEST(SimpleTextTest, ShowsEveryByte) {
     for (const auto& [bytes, shown] : rows) {
         expectShaped(LaidOutText(makeProperties("DejaVu Sans", 3.175F), bytes), shown, ReferenceFont("DejaVu Sans"));
     }
+}
+
+TEST(SimpleTextTest, KeepsWhatAFileCanHold) {
+    const std::string text = "a\x7F\u0080\u009F\uFDD0\U0001FFFE\U0010FFFFz";
+    EXPECT_EQ(LaidOutText(makeProperties("DejaVu Sans", 3.175F), text).mTexts.at(0)->getText(), text);
 }
 
 class WidthTest : public testing::TestWithParam<const char*> {};
@@ -184,6 +190,21 @@ TEST(GlyphSourceTest, ThickensAndSlantsWhereTheFontLacksTheStyle) {
     };
     EXPECT_GT(getBox(text::TextProperties::sBold).getHeight(), getBox(0).getHeight());
     EXPECT_GT(getBox(text::TextProperties::sItalic).getWidth(), getBox(0).getWidth());
+}
+
+TEST(GlyphSourceTest, MovesMarksAlongWithSlantedLetters) {
+    // This family has no italic.
+    const LaidOutText upright(makeProperties("Noto Naskh Arabic", 10.0F), "مُحَمَّد");
+    const LaidOutText slanted(makeProperties("Noto Naskh Arabic", 10.0F, text::TextProperties::sItalic),
+                              "مُحَمَّد");
+    ASSERT_EQ(slanted.mGlyphs.size(), upright.mGlyphs.size());
+    float highest = 0.0F;
+    for (std::size_t index = 0; index < upright.mGlyphs.size(); ++index) {
+        const Wm4::Vector2<float>& place = upright.mGlyphs[index].mPosition;
+        EXPECT_NEAR(slanted.mGlyphs[index].mPosition.x, place.x - 0.2F * place.y, 0.01F);
+        highest = std::max(highest, std::abs(place.y));
+    }
+    EXPECT_GT(highest, 0.2F) << "no mark of the text is moved up or down";
 }
 
 constexpr float sSize = 10.0F;

@@ -421,6 +421,20 @@ TEST(SvgWriter, SpellsEachFontOnce) {
                           ".C{font-family:'Arial',sans-serif;font-size:3px;font-weight:normal;font-style:italic}\n"));
 }
 
+TEST(SvgWriter, FallsBackOnFontsOfTheFamilysKind) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"Times New Roman", "serif"},      {"LiberationSerif", "serif"}, {"Courier New", "monospace"},
+        {"DejaVu Sans Mono", "monospace"}, {"Noto Sans", "sans-serif"},  {"MS Sans Serif", "sans-serif"},
+        {"romans", "sans-serif"},          {"ISOCPEUR", "sans-serif"},   {"", "sans-serif"},
+    };
+    for (const auto& [family, generic] : rows) {
+        const auto text = makeText("a");
+        text->setFont(family);
+        const std::string rules = test::findElements(Written(*text).mElements, "style").at(1).mText;
+        EXPECT_THAT(rules, HasSubstr(std::string(*family != 0 ? "'," : ":") + generic + ";")) << family;
+    }
+}
+
 TEST(SvgWriter, WritesPathsInAbsoluteCommands) {
     Path path;
     path.lineTo({1, 1});
