@@ -16,6 +16,8 @@ namespace kt::impl {
 
 #if defined(__x86_64__)
 
+/// What vectors save: benchmarks/RESULTS.md, point arrays.
+///
 /// Eight points of float or four of double as three vectors, one for each coordinate. Both halves of the vectors are
 /// sorted at once, so that only shuffles within halves are needed, the cheap ones. Vectors go by reference only: how
 /// they are passed by value depends on the processor.

@@ -35,7 +35,8 @@ consteval Keys<sizeof...(Texts)> makeKeys(Texts... texts) {
     return {kt::ktVariantKey::Constant(texts)...};
 }
 
-/// Finds all keys in one pass, as the entries of a map ascend too. Absent keys give null.
+/// Finds all keys in one pass, as the entries of a map ascend too. Absent keys give null. Ranks are compared for speed:
+/// benchmarks/RESULTS.md, key ranks.
 template <std::size_t Count>
 std::array<const kt::ktVariant*, Count> findKeys(const VariantMap& map, const Keys<Count>& keys) {
     std::array<const kt::ktVariant*, Count> values{};

@@ -22,6 +22,7 @@ namespace kt::text {
 /// Advances and kerning pairs of a font's simple characters in left-to-right text of one script: those for which
 /// shaping is the sum of what it does to each character and to each pair of neighbours. All numbers come from shaping
 /// the character, and the pair, when they are first met. For one thread.
+/// What they save: benchmarks/RESULTS.md, advance tables.
 class AdvanceTable {
 public:
     /// Kerning of pairs that shaping does more to than moving the second character.

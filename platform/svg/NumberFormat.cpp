@@ -10,6 +10,8 @@ namespace kt::svg {
 
 namespace {
 
+// What this saves beside std::to_chars: benchmarks/RESULTS.md, number text.
+
 /// Three characters and how many of them count: one copy of four bytes writes any group of three digits.
 using DigitGroup = std::array<char, 4>;
 

@@ -11,6 +11,8 @@
 
 namespace kt {
 
+// What the pool saves: benchmarks/RESULTS.md, block pool.
+
 #ifdef KT_POOL_USES_HEAP
 
 void* ktBlockPool::allocate(std::size_t size) { return ::operator new(size); }

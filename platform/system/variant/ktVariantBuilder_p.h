@@ -17,7 +17,8 @@
 
 namespace kt::impl {
 
-/// A text of up to 15 bytes as two numbers, its first byte the least significant one, zero behind its end.
+/// A text of up to 15 bytes as two numbers, its first byte the least significant one, zero behind its end. What it
+/// saves: benchmarks/RESULTS.md, short texts.
 struct ktShortText {
     static constexpr std::size_t sMaxSize = 15;
     /// Bytes that must be readable where a short text begins.
@@ -139,7 +140,7 @@ private:
         std::size_t mFirstCell;
     };
     /// The keys of a map in the order in which they came, and the entries' places in key order. Most maps of a document
-    /// have the keys of an earlier one, and need not be sorted then.
+    /// have the keys of an earlier one, and need not be sorted then (benchmarks/RESULTS.md, key orders).
     struct Shape {
         static constexpr std::size_t sMaxCount = 16;
 
