@@ -1,11 +1,14 @@
 #include "tools/ktannot/batch/DocumentMigrator.h"
 
 #include "platform/system/log/ktLog.h"
+#include "tools/ktannot/EnvironmentError.h"
+#include "tools/ktannot/ToolVersion.h"
 #include "tools/ktannot/batch/DocumentLoader.h"
 #include "tools/ktannot/batch/ResultFile.h"
 #include "tools/ktannot/batch/StopSignal.h"
 #include "tools/ktannot/console/TextOutput.h"
 #include "tools/ktannot/files/SafeName.h"
+#include "tools/ktannot/render/RenderModule.h"
 #include "tools/ktannot/report/CadJson.h"
 #include "tools/ktannot/report/JsonWriter.h"
 
@@ -70,14 +73,14 @@ ktLegacy::ktLegacyFinding makeStaleFinding(const std::string& path) {
 }
 
 /// The files of a folder that are named like drawings, sorted.
-std::vector<std::string> findDrawings(const std::string& folder) {
+std::vector<std::string> findDrawings(const std::string& folder, std::string_view suffix) {
     std::vector<std::string> found;
     std::error_code error;
     std::filesystem::directory_iterator entry(folder, error);
     while (!error && entry != std::filesystem::directory_iterator()) {
         const std::string name = entry->path().filename().string();
         const std::size_t digits = std::min(name.find_first_not_of("0123456789"), name.size());
-        if (digits >= 3 && name[digits] == '-' && name.ends_with(".svg")) {
+        if (digits >= 3 && name[digits] == '-' && name.ends_with(suffix)) {
             found.push_back(folder + "/" + name);
         }
         entry.increment(error);
@@ -99,7 +102,15 @@ std::string getRefusalOfLoader(const ktLegacy::ktLegacyDocument& document, std::
 DocumentMigrator::DocumentMigrator(const MigrationOptions& options)
     : mOptions(options), mDrawing(getDrawingOptions(options), [this](const std::string& name, std::string& data) {
           return PictureFolder::provide(name, data, mPictures);
-      }) {}
+      }) {
+    if (mOptions.isRendered()) {
+        std::string failure;
+        mRenderer = RenderModule::createRenderer(failure);
+        if (mRenderer == nullptr) {
+            throw EnvironmentError(failure);
+        }
+    }
+}
 
 DocumentMigrator::~DocumentMigrator() = default;
 
@@ -132,7 +143,7 @@ std::string DocumentMigrator::findWrongView(std::size_t count) const {
     if (mOptions.mView > count) {
         return "there is no view " + std::to_string(mOptions.mView) + ", it holds " + std::to_string(count);
     }
-    if (mOptions.isToStandardOutput() && !isDump() && mOptions.mView == 0 && count > 1) {
+    if (mOptions.isToStandardOutput() && !mOptions.isOneFile() && mOptions.mView == 0 && count > 1) {
         return "it holds " + std::to_string(count) +
                " views, and standard output takes one drawing: choose it with --view, or a folder for all with -o";
     }
@@ -154,6 +165,10 @@ void DocumentMigrator::migrateViews(const Input& input, DocumentResult& result, 
         return;
     }
     findStaleDrawings(input, result);
+    mPageCount = 0;
+    if (mOptions.mFormat == MigrationOptions::Format::Pdf) {
+        mRenderer->beginPdf({input.mDocumentName, input.mSource, std::string("ktannot ") + getToolVersion()});
+    }
     std::vector<CadView> dumped;
     for (std::size_t index = 0; index < result.mViews.size(); ++index) {
         ViewResult& viewResult = result.mViews[index];
@@ -167,32 +182,34 @@ void DocumentMigrator::migrateViews(const Input& input, DocumentResult& result, 
             continue;
         }
         migrateView(index, result, dumped);
-        if (onView && !isDump()) {
+        if (onView && !mOptions.isOneFile()) {
             onView(index + 1, viewResult);
         }
     }
-    if (!isDump() || mOptions.mIsDryRun) {
+    if (!mOptions.isOneFile() || mOptions.mIsDryRun) {
         return;
     }
     if (result.mIsStopped) {
-        // A dump holds all views or is not there: --skip-existing could not tell a part from the whole.
+        // The file holds all views or is not there: --skip-existing could not tell a part from the whole.
         for (ViewResult& viewResult : result.mViews) {
             if (viewResult.mState != ViewResult::State::Unwanted) {
                 viewResult.mState = ViewResult::State::Stopped;
             }
         }
-    } else {
+    } else if (isDump()) {
         writeDump(dumped, input, result);
+    } else if (mPageCount > 0) {
+        writePdf(input, result);
     }
 }
 
 bool DocumentMigrator::planFiles(const Input& input, DocumentResult& result) const {
     const bool isToFiles = !mOptions.isToStandardOutput();
-    bool isTaken = isToFiles && isDump() && exists(getDumpPath(input));
+    bool isTaken = isToFiles && mOptions.isOneFile() && exists(getDocumentPath(input));
     for (const ktLegacy::ktLegacyDocument::View& view : result.mDocument.mDocument.getViews()) {
         ViewResult& viewResult = result.mViews.emplace_back();
         viewResult.mName = view.mView != nullptr ? view.mView->GetName() : std::string();
-        if (isToFiles && !isDump() && isWanted(result.mViews.size() - 1)) {
+        if (isToFiles && !mOptions.isOneFile() && isWanted(result.mViews.size() - 1)) {
             viewResult.mFile = getDrawingPath(input, result.mViews.size(), viewResult.mName);
             isTaken = isTaken || exists(viewResult.mFile);
         }
@@ -205,14 +222,14 @@ bool DocumentMigrator::isKept(const std::string& path) const {
 }
 
 void DocumentMigrator::findStaleDrawings(const Input& input, DocumentResult& result) const {
-    if (isDump() || mOptions.isToStandardOutput() || mOptions.mView != 0) {
+    if (mOptions.isOneFile() || mOptions.isToStandardOutput() || mOptions.mView != 0) {
         return;
     }
     std::set<std::string> made;
     for (const ViewResult& view : result.mViews) {
         made.insert(view.mFile);
     }
-    for (const std::string& path : findDrawings(mOptions.getFolder(input.mDocumentName))) {
+    for (const std::string& path : findDrawings(mOptions.getFolder(input.mDocumentName), mOptions.getSuffix())) {
         if (made.count(path) == 0) {
             result.mFindings.emplace_back(ktLegacy::ktFindingCode::OutputOrphaned,
                                           "no view of it is drawn to '" + path +
@@ -241,8 +258,9 @@ void DocumentMigrator::migrateView(std::size_t index, DocumentResult& result, st
     document.releaseView(index);
     if (!isMade) {
         result.mOutcome = worst(result.mOutcome, ExitCode::Refused);
-    } else if (isDump()) {
+    } else if (mOptions.isOneFile()) {
         viewResult.mState = mOptions.mIsDryRun ? ViewResult::State::Planned : ViewResult::State::Written;
+        addPage(viewResult, result);
     } else {
         writeDrawing(viewResult, result);
     }
@@ -266,10 +284,34 @@ void DocumentMigrator::takeFindings(std::size_t index, ViewResult& viewResult) {
     mLog.insert(mLog.end(), mDrawing.getLogLines().begin(), mDrawing.getLogLines().end());
 }
 
+void DocumentMigrator::addPage(ViewResult& viewResult, DocumentResult& result) {
+    if (isDump() || mOptions.mIsDryRun) {
+        return;
+    }
+    viewResult.mReason = mRenderer->addPdfPage(mDrawing.getSvg());
+    if (viewResult.mReason.empty()) {
+        ++mPageCount;
+    } else {
+        viewResult.mState = ViewResult::State::Failed;
+        result.mOutcome = worst(result.mOutcome, ExitCode::EnvironmentFailed);
+    }
+}
+
 void DocumentMigrator::writeDrawing(ViewResult& viewResult, DocumentResult& result) {
+    std::vector<std::string_view> pieces = mDrawing.getPieces();
+    std::string png;
+    if (mOptions.mFormat == MigrationOptions::Format::Png) {
+        viewResult.mReason = mRenderer->drawPng(mDrawing.getSvg(), mOptions.mDotsPerInch, png);
+        if (!viewResult.mReason.empty()) {
+            viewResult.mState = ViewResult::State::Failed;
+            result.mOutcome = worst(result.mOutcome, ExitCode::EnvironmentFailed);
+            return;
+        }
+        pieces = {png};
+    }
     if (isKept(viewResult.mFile)) {
         viewResult.mState = ViewResult::State::Skipped;
-        if (!hasContent(viewResult.mFile, mDrawing.getPieces())) {
+        if (!hasContent(viewResult.mFile, pieces)) {
             ktLegacy::ktLegacyFinding& stale = viewResult.mFindings.emplace_back(makeStaleFinding(viewResult.mFile));
             stale.mView = static_cast<std::size_t>(&viewResult - result.mViews.data());
             stale.mViewName = viewResult.mName;
@@ -281,9 +323,11 @@ void DocumentMigrator::writeDrawing(ViewResult& viewResult, DocumentResult& resu
         return;
     }
     if (mOptions.isToStandardOutput()) {
-        result.mText += mDrawing.getSvg();
+        for (const std::string_view piece : pieces) {
+            result.mText += piece;
+        }
     } else {
-        viewResult.mReason = ResultFile::write(viewResult.mFile, mDrawing.getPieces(), mOptions);
+        viewResult.mReason = ResultFile::write(viewResult.mFile, pieces, mOptions);
     }
     viewResult.mState = viewResult.mReason.empty() ? ViewResult::State::Written : ViewResult::State::Failed;
     if (viewResult.mState == ViewResult::State::Failed) {
@@ -311,14 +355,28 @@ void DocumentMigrator::writeDump(const std::vector<CadView>& views, const Input&
     json.endArray();
     json.endObject();
     json.endLine();
-    if (mOptions.isToStandardOutput()) {
-        result.mText = text.takeText();
+    writeDocument(text.takeText(), input, result);
+}
+
+void DocumentMigrator::writePdf(const Input& input, DocumentResult& result) {
+    std::string pdf;
+    result.mReason = mRenderer->finishPdf(pdf);
+    if (!result.mReason.empty()) {
+        result.mOutcome = worst(result.mOutcome, ExitCode::EnvironmentFailed);
         return;
     }
-    const std::string_view dump = text.getText();
-    result.mFile = getDumpPath(input);
+    writeDocument(std::move(pdf), input, result);
+}
+
+void DocumentMigrator::writeDocument(std::string text, const Input& input, DocumentResult& result) const {
+    if (mOptions.isToStandardOutput()) {
+        result.mText = std::move(text);
+        return;
+    }
+    const std::string_view content = text;
+    result.mFile = getDocumentPath(input);
     if (isKept(result.mFile)) {
-        if (!hasContent(result.mFile, {&dump, 1})) {
+        if (!hasContent(result.mFile, {&content, 1})) {
             result.mFindings.push_back(makeStaleFinding(result.mFile));
             result.mOutcome = worst(result.mOutcome, ExitCode::WithProblems);
         }
@@ -327,7 +385,7 @@ void DocumentMigrator::writeDump(const std::vector<CadView>& views, const Input&
         }
         return;
     }
-    result.mReason = ResultFile::write(result.mFile, {&dump, 1}, mOptions);
+    result.mReason = ResultFile::write(result.mFile, {&content, 1}, mOptions);
     if (!result.mReason.empty()) {
         result.mOutcome = worst(result.mOutcome, ExitCode::EnvironmentFailed);
         for (ViewResult& view : result.mViews) {
@@ -342,11 +400,12 @@ std::string DocumentMigrator::getDrawingPath(const Input& input, std::size_t num
                                              const std::string& viewName) const {
     std::array<char, 24> digits{};
     std::snprintf(digits.data(), digits.size(), "%03zu", number);
-    return mOptions.getPlace(input.mDocumentName) + "/" + digits.data() + "-" + makeSafeFileName(viewName) + ".svg";
+    return mOptions.getPlace(input.mDocumentName) + "/" + digits.data() + "-" + makeSafeFileName(viewName) +
+           mOptions.getSuffix();
 }
 
-std::string DocumentMigrator::getDumpPath(const Input& input) const {
-    return mOptions.getPlace(input.mDocumentName) + ".json";
+std::string DocumentMigrator::getDocumentPath(const Input& input) const {
+    return mOptions.getPlace(input.mDocumentName) + mOptions.getSuffix();
 }
 
 }  // namespace ktannot

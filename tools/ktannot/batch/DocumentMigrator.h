@@ -8,6 +8,7 @@
 #include "tools/ktannot/batch/Input.h"
 #include "tools/ktannot/batch/MigrationOptions.h"
 #include "tools/ktannot/files/PictureFolder.h"
+#include "tools/ktannot/render/PageRenderer.h"
 #include "tools/ktannot/report/DocumentResult.h"
 
 #include <cstddef>
@@ -55,16 +56,24 @@ private:
     void migrateView(std::size_t index, DocumentResult& result, std::vector<CadView>& dumped);
     /// Takes over what was found with the view that was worked on last.
     void takeFindings(std::size_t index, ViewResult& viewResult);
+    /// Adds the drawing that was made last to the document's PDF file, if there is one.
+    void addPage(ViewResult& viewResult, DocumentResult& result);
     void writeDrawing(ViewResult& viewResult, DocumentResult& result);
     void writeDump(const std::vector<CadView>& views, const Input& input, DocumentResult& result);
+    void writePdf(const Input& input, DocumentResult& result);
+    /// Writes the one file of a document.
+    void writeDocument(std::string text, const Input& input, DocumentResult& result) const;
     /// @param number  of the view within the document, from 1.
     std::string getDrawingPath(const Input& input, std::size_t number, const std::string& viewName) const;
-    std::string getDumpPath(const Input& input) const;
+    /// Of the one file of a document.
+    std::string getDocumentPath(const Input& input) const;
 
     const MigrationOptions& mOptions;
     PictureFolder* mPictures = nullptr;  ///< of the document at work
     std::vector<std::string> mLog;       ///< of the document at work
     ktLegacy::ktViewDrawing mDrawing;
+    std::unique_ptr<PageRenderer> mRenderer;  ///< null when nothing goes through it
+    std::size_t mPageCount = 0;               ///< of the PDF file at work
 };
 
 }  // namespace ktannot

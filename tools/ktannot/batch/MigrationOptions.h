@@ -14,12 +14,21 @@ class InputSet;
 
 /// The options of the migrate command that matter for one document.
 struct MigrationOptions {
-    enum class Format { Svg, Json };
+    enum class Format { Svg, Json, Pdf, Png };
     /// What to do with drawings that are there already.
     enum class Existing { Fail, Skip, Replace };
 
     bool isToStandardOutput() const { return mOutput == "-"; }
     bool isDump() const { return mFormat == Format::Json; }
+    /// Whether a document gives one file, not one for each view.
+    bool isOneFile() const { return isDump() || mFormat == Format::Pdf; }
+    /// Whether drawings go through the module that draws pages.
+    bool isRendered() const { return mFormat == Format::Pdf || mFormat == Format::Png; }
+    /// The end of the results' names.
+    const char* getSuffix() const {
+        constexpr const char* suffixes[] = {".svg", ".json", ".pdf", ".png"};
+        return suffixes[static_cast<int>(mFormat)];
+    }
     /// Where the results of a document go, without a suffix.
     std::string getPlace(const std::string& documentName) const {
         return (mOutput.ends_with('/') ? mOutput : mOutput + '/') + documentName;
@@ -27,7 +36,7 @@ struct MigrationOptions {
     /// The folder that the results of a document go to.
     std::string getFolder(const std::string& documentName) const {
         const std::string place = getPlace(documentName);
-        return isDump() ? place.substr(0, place.rfind('/')) : place;
+        return isOneFile() ? place.substr(0, place.rfind('/')) : place;
     }
 
     std::string mOutput = "migrated";           ///< folder, or "-" for standard output
@@ -36,6 +45,7 @@ struct MigrationOptions {
     float mHeadSize = 3.0F;                     ///< of leader heads, in millimetres
     int mAcceptedLosses = 0;                    ///< bits of ktLegacy::ktViewDrawing::Accepted
     Format mFormat = Format::Svg;
+    double mDotsPerInch = 150.0;  ///< of PNG pictures
     Existing mExisting = Existing::Fail;
     std::size_t mView = 0;   ///< number of the only view that is wanted of each document; 0: all are
     bool mIsDryRun = false;  ///< do everything but write results

@@ -19,9 +19,11 @@ std::string findObstacle(const std::string& path, const MigrationOptions& option
     if (options.mInputs != nullptr && options.mInputs->contains(FileIdentity::of(status))) {
         return "is one of the documents, which are never written to; choose another folder with -o";
     }
-    const bool isDump = options.mFormat == MigrationOptions::Format::Json;
-    if (isDump && S_ISREG(status.st_mode) && !readBeginning(path).starts_with("{\"source\": ")) {
-        return "is there already and is no dump of an earlier run; move it, or choose another folder with -o";
+    // Files named like documents may be anything.
+    const std::string_view beginning = options.isDump() ? "{\"source\": " : "%PDF-";
+    if (options.isOneFile() && S_ISREG(status.st_mode) && !readBeginning(path).starts_with(beginning)) {
+        return std::string("is there already and is no ") + (options.isDump() ? "dump" : "PDF") +
+               " of an earlier run; move it, or choose another folder with -o";
     }
     return {};
 }

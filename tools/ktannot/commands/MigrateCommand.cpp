@@ -9,6 +9,7 @@
 #include "tools/ktannot/console/TerminalText.h"
 #include "tools/ktannot/console/TextOutput.h"
 #include "tools/ktannot/files/SideOutput.h"
+#include "tools/ktannot/render/RenderModule.h"
 #include "tools/ktannot/report/CountOf.h"
 #include "tools/ktannot/report/MigrationCounts.h"
 #include "tools/ktannot/report/MigrationReportFile.h"
@@ -87,6 +88,9 @@ std::unique_ptr<MigrationReportFile> MigrateCommand::openReport(bool isContinued
 
 ExitCode MigrateCommand::run(Channels& channels) {
     mOptions.check();
+    if (std::string failure; mOptions.mMigration.isRendered() && RenderModule::createRenderer(failure) == nullptr) {
+        throw EnvironmentError(failure);
+    }
     InputSet inputs = findInputs();
     EarlierReport earlier(mOptions.mReportPath.value_or(""), mOptions.describe());
     const bool isContinued = mOptions.mIsResumed && earlier.takeFrom(inputs);

@@ -81,8 +81,16 @@ void MigrateOptions::declareOutput(CLI::App& app) {
         ->type_name("DIR")
         ->capture_default_str()
         ->group(sOutput);
-    app.add_option("--format", mFormatName, "svg: one drawing per view; json: one dump of the new model per document")
-        ->check(CLI::IsMember({"svg", "json"}))
+    app.add_option(
+           "--format", mFormatName,
+           "svg or png: one drawing per view; pdf: one file per document, a page per view; json: one dump of the "
+           "new model per document")
+        ->check(CLI::IsMember({"svg", "json", "pdf", "png"}))
+        ->capture_default_str()
+        ->group(sOutput);
+    app.add_option("--dpi", mMigration.mDotsPerInch, "Pixels to an inch of the pictures of --format png")
+        ->type_name("N")
+        ->check(CLI::Range(1.0, 10000.0).description(""))
         ->capture_default_str()
         ->group(sOutput);
     app.add_option("--text", mTextModeName, "text: searchable text; outlines: paths, the same with any font")
@@ -170,7 +178,11 @@ void MigrateOptions::check() {
     if (mMigration.mOutput.empty()) {
         throw UsageError("--output takes a folder, or - for standard output");
     }
-    mMigration.mFormat = mFormatName == "json" ? MigrationOptions::Format::Json : MigrationOptions::Format::Svg;
+    using Format = MigrationOptions::Format;
+    mMigration.mFormat = mFormatName == "json"  ? Format::Json
+                         : mFormatName == "pdf" ? Format::Pdf
+                         : mFormatName == "png" ? Format::Png
+                                                : Format::Svg;
     mMigration.mHasTextOutlines = mTextModeName == "outlines";
     mMigration.mDrawsPictureBackgrounds = mPictureBackgroundName == "black";
     if (!mMigration.mBackground.empty() && !kt::svg::SvgWriter::isColor(mMigration.mBackground)) {

@@ -12,7 +12,7 @@ _ktannot() {
 
     local words=''
     case $previous in
-        --format) words='svg json' ;;
+        --format) words='svg json pdf png' ;;
         --text) words='text outlines' ;;
         --picture-background) words='none black' ;;
         --accept) words='view-metadata known-metadata other-metadata all' ;;
@@ -24,13 +24,13 @@ _ktannot() {
             mapfile -t COMPREPLY < <(compgen -d -- "$word")
             return
             ;;
-        --background | --head-size | -j | --jobs | --memory-limit | --shard | --view | --time-limit) return ;;
+        --background | --dpi | --head-size | -j | --jobs | --memory-limit | --shard | --view | --time-limit) return ;;
         *)
             case $command in
                 '') words='migrate inspect check version -h --help --version' ;;
                 migrate)
                     words='-h --help -o --output --format --accept --head-size --raster-dir --text -j --jobs --report
-                        --background --picture-background
+                        --background --picture-background --dpi
                         --force --skip-existing --memory-limit -q --quiet -v --verbose --log-file
                         --files-from -0 --base --shard --view --dry-run
                         --progress --time-limit --isolate --resume --sandbox --durable'
