@@ -111,6 +111,11 @@ void ktRttiInterface::operator delete(void* block, std::size_t /*size*/, std::al
     ::operator delete(block, alignment);
 }
 
+// g++ 12 looks for this one, and no sized one, when the constructor of an object throws.
+void ktRttiInterface::operator delete(void* block, std::align_val_t alignment) noexcept {
+    ::operator delete(block, alignment);
+}
+
 void ktRttiInterface::operator delete(void* block, const std::nothrow_t& /*tag*/) noexcept {
     ktBlockPool::releaseObject(block);
 }

@@ -69,6 +69,7 @@ public:
 
     static void operator delete(void* block, std::size_t size) noexcept;
     static void operator delete(void* block, std::size_t size, std::align_val_t alignment) noexcept;
+    static void operator delete(void* block, std::align_val_t alignment) noexcept;
     static void operator delete(void* block, const std::nothrow_t& tag) noexcept;
     static void operator delete(void* block, std::align_val_t alignment, const std::nothrow_t& tag) noexcept;
     static void operator delete(void* /*block*/, void* /*place*/) noexcept {}
