@@ -250,7 +250,8 @@ private:
         }
         std::vector<ktVariantDocumentReader::View> views;
         kt::ktJsonError error;
-        switch (ktVariantDocumentReader().read(bytes, views, error)) {
+        ktVariantDocumentReader reader;
+        switch (reader.read(bytes, views, error)) {
             case ktVariantDocumentReader::Outcome::NotJson:
                 mDocument.mLimit = error.mIsLimit ? "a limit of the JSON reader" : "";
                 refuse(State::Refused, makeJsonRefusal(bytes, error));
@@ -261,9 +262,24 @@ private:
             case ktVariantDocumentReader::Outcome::Read:
                 break;
         }
+        if (reader.getOverflow().mCount != 0) {
+            addOverflow(reader.getOverflow());
+        }
         for (ktVariantDocumentReader::View& view : views) {
             addView(view);
         }
+    }
+
+    void addOverflow(const kt::ktJsonOverflow& overflow) {
+        ktLegacyFinding& finding = mDocument.mFindings.emplace_back(ktFindingCode::NumberBeyondDouble);
+        const std::string others =
+            overflow.mCount > 1 ? ", as do " + std::to_string(overflow.mCount - 1) + " more" : "";
+        finding.mWhat = "the number at line " + std::to_string(overflow.mFirst.mLine) + ", column " +
+                        std::to_string(overflow.mFirst.mColumn) + " is too large for any value and counts as infinite" +
+                        others;
+        finding.mLine = overflow.mFirst.mLine;
+        finding.mColumn = overflow.mFirst.mColumn;
+        finding.mOffset = overflow.mFirst.mOffset;
     }
 
     static ktLegacyFinding makeSingleValueRefusal() {

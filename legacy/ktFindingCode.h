@@ -56,8 +56,8 @@ enum class ktFindingSeverity : std::uint8_t {
     ROW(RawControlCharacter, 1012, Error, "a control character stands in a text as it is ...", \
         "JSON wants control characters inside of texts written as escapes.", \
         "Write the character as an escape, a line feed as \\n.") \
-    ROW(NumberBeyondDouble, 1013, Error, "a number is too large for any value ...", \
-        "A number is beyond the double range, so that nothing could be kept of it.", \
+    ROW(NumberBeyondDouble, 1013, Error, "the number at ... is too large for any value and counts as infinite", \
+        "A number of a variant document is beyond the double range.", \
         "Correct the number at the place named.") \
     ROW(DocumentChanged, 1014, Error, "the file changed while it was read", \
         "The file was shortened or written to while it was being worked on.", "Run again when the file is at rest.") \

@@ -98,13 +98,14 @@ public:
         return Outcome::Read;
     }
 
-private:
     kt::ktJsonReader mReader;
 };
 
 ktVariantDocumentReader::ktVariantDocumentReader() : mImpl(std::make_unique<Impl>()) {}
 
 ktVariantDocumentReader::~ktVariantDocumentReader() = default;
+
+const kt::ktJsonOverflow& ktVariantDocumentReader::getOverflow() const { return mImpl->mReader.getOverflow(); }
 
 ktVariantDocumentReader::Outcome ktVariantDocumentReader::read(std::span<const std::byte> text,
                                                                std::vector<View>& views, kt::ktJsonError& error) {

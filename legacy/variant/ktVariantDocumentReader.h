@@ -55,6 +55,8 @@ public:
     /// @param views  replaced by the document's views, in order; empty unless it is read.
     /// @param error  tells why the text is no JSON.
     Outcome read(std::span<const std::byte> text, std::vector<View>& views, kt::ktJsonError& error);
+    /// The numbers of the document read last which are beyond double; they count as infinite.
+    const kt::ktJsonOverflow& getOverflow() const;
 
 private:
     class Impl;

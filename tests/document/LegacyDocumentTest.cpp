@@ -56,6 +56,7 @@ TEST_F(LegacyDocumentTest, OutcomesOfVariantDocuments) {
         {"\xEF\xBB\xBF [ ]", ktOutcome::AllWell, "", false},
         {R"({"ver":"6.22","annotations":[]})", ktOutcome::AllWell, "", true},
         {R"({"ver":"6.22","annotations":[{"type":"text","children":[1]}]})", ktOutcome::WithProblems, "", true},
+        {R"({"ver":"6.22","annotations":[],"origin":[1e999,0,0]})", ktOutcome::WithProblems, "", true},
         {R"({"name":"settings"})", ktOutcome::Refused, "", false},
         {R"({"ver":5})", ktOutcome::Refused, "", true},
         {R"([1,{"version":2}])", ktOutcome::Refused, "", false},

@@ -62,7 +62,7 @@ TEST(ForeignData, TextsKeepTheirCharactersAndHideWhatActsOnATerminal) {
 
 TEST(ForeignData, NumbersAreTheShortestThatReadBack) {
     using Float = std::numeric_limits<float>;
-    EXPECT_EQ(writeNumber(-0.0F), "-0");
+    EXPECT_EQ(writeNumber(-0.0F), "-0.0");
     EXPECT_EQ(writeNumber(1.0F / 3), "0.33333334");
     EXPECT_EQ(writeNumber(Float::denorm_min()), "1e-45");
     EXPECT_EQ(writeNumber(-Float::infinity()), "\"-Infinity\"");

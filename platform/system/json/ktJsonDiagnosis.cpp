@@ -26,7 +26,8 @@ void locateJsonError(std::string_view text, ktJsonError& error) {
 }
 
 void diagnoseJson(std::string_view text, ktJsonError& error) {
-    constexpr unsigned int sFlags = rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;
+    constexpr unsigned int sFlags =
+        rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag | rapidjson::kParseNumbersAsStringsFlag;
     rapidjson::MemoryStream memory(text.data(), text.size());
     rapidjson::EncodedInputStream<rapidjson::UTF8<>, rapidjson::MemoryStream> stream(memory);
     rapidjson::BaseReaderHandler<> ignoreValues;

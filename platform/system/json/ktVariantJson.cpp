@@ -129,6 +129,7 @@ public:
         const Cleanup cleanup(*this);
         mText = text;
         mSink = sink;
+        mOverflow = ktJsonOverflow();
         if (!findTokens(error)) {
             return false;
         }
@@ -144,6 +145,8 @@ public:
         value = mBuilder.take();
         return true;
     }
+
+    ktJsonOverflow mOverflow;
 
 private:
     /// Leaves nothing of a text behind, however its reading ends.
@@ -450,8 +453,8 @@ private:
         if (number.mEnd == nullptr || !endsToken(number.mEnd)) {
             return "Invalid value.";
         }
-        if (std::isinf(number.mReal)) {
-            return "Number too big to be stored in double.";
+        if (std::isinf(number.mReal) && mOverflow.mCount++ == 0) {
+            mOverflow.mFirst.mOffset = *tokens.mNext;
         }
         ++tokens.mNext;
         addNumber(number);
@@ -482,6 +485,8 @@ ktJsonReader::ktJsonReader() : mImpl(std::make_unique<Impl>()) {}
 
 ktJsonReader::~ktJsonReader() = default;
 
+const ktJsonOverflow& ktJsonReader::getOverflow() const { return mImpl->mOverflow; }
+
 bool ktJsonReader::parse(std::span<const std::byte> text, ktVariant& value, ktJsonError& error) {
     return parseFor(nullptr, text, value, error);
 }
@@ -497,6 +502,10 @@ bool ktJsonReader::parseFor(ktJsonSink* sink, std::span<const std::byte> text, k
     value = ktVariant();
     error = ktJsonError();
     if (mImpl->parse(characters, sink, value, error)) {
+        if (mImpl->mOverflow.mCount != 0) {
+            impl::locateJsonError(characters, mImpl->mOverflow.mFirst);
+            mImpl->mOverflow.mFirst.mOffset += hasMark ? sByteOrderMark.size() : 0;
+        }
         return true;
     }
     if (error.mIsLimit) {

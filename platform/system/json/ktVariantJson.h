@@ -25,10 +25,16 @@ struct ktJsonError {
     bool mIsLimit = false;      ///< a limit of the reader was reached; the text may be valid JSON
 };
 
+/// Numbers of a text that are beyond double.
+struct ktJsonOverflow {
+    std::uint64_t mCount = 0;
+    ktJsonError mFirst;  ///< line, column and offset of the first one
+};
+
 /// Reads JSON texts (RFC 8259, in UTF-8) and nothing else: every byte is checked, a byte order mark is skipped. Objects
 /// become maps, of repeated keys the last value counts; arrays become lists, null becomes undefined. Numbers without
-/// fraction and exponent that fit 64 bits become integers, all others reals; numbers beyond double are refused, as are
-/// escapes of lone surrogates. Nesting needs memory, but no call stack.
+/// fraction and exponent that fit 64 bits become integers, all others reals; numbers beyond double become infinite,
+/// and are counted. Escapes of lone surrogates are refused. Nesting needs memory, but no call stack.
 ///
 /// A reader keeps its working memory from one text to the next; it is used by one thread at a time.
 class KT_SYSTEM_API ktJsonReader {
@@ -43,6 +49,9 @@ public:
     bool parse(std::span<const std::byte> text, ktVariant& value, ktJsonError& error);
     /// The same, with what the sink takes left out of value. Also throws what the sink throws.
     bool parse(std::span<const std::byte> text, ktVariant& value, ktJsonError& error, ktJsonSink& sink);
+
+    /// The numbers of the text that was read last which are beyond double.
+    const ktJsonOverflow& getOverflow() const;
 
 private:
     class Impl;

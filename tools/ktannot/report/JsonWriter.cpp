@@ -198,6 +198,10 @@ void JsonWriter::writeReal(Real value) {
         separate();
         std::array<char, 40> digits{};
         mOutput.write({digits.data(), std::to_chars(digits.begin(), digits.end(), value).ptr});
+        // As an integer, zero would lose its sign where it is read.
+        if (value == 0 && std::signbit(value)) {
+            mOutput.write(".0");
+        }
     }
 }
 
