@@ -27,7 +27,8 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(ktCompiler INTERFACE -Wno-restrict)
 endif()
 # What is shipped holds no path of the machine that built it.
-target_compile_options(ktCompiler INTERFACE "$<$<CONFIG:Release>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>")
+target_compile_options(ktCompiler INTERFACE
+    "$<$<CONFIG:Release>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.;-ffile-prefix-map=${PROJECT_BINARY_DIR}=.>")
 if(KT_WERROR)
     target_compile_options(ktCompiler INTERFACE -Werror)
 endif()
