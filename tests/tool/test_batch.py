@@ -170,6 +170,36 @@ class Leftovers(support.ToolTest):
             self.assertEqual(done.error.count("cannot write: File too large"), 2)
             self.assertEqual(self.read_tree("out"), {})
 
+    def test_dumps_of_long_names_keep_apart(self):
+        for name in "a" * 255, "a" * 254 + "b", "ä" * 126 + ".k":
+            self.write(f"in/{name}", view("v"))
+        done = support.run("migrate", *sorted(str(path) for path in (self.folder / "in").iterdir()), "-o", "out",
+                           "--format", "json", cwd=self.folder)
+        self.assertEqual(done.code, 0, done.error)
+        names = [os.path.basename(name).encode() for name in self.read_tree("out")]
+        self.assertEqual([len(names), max(map(len, names))], [3, 255])
+
+    @unittest.skipUnless(os.geteuid() == 0, "only root can lose rights for a run")
+    def test_what_may_not_be_read_is_told(self):
+        """Folders that can be listed but not entered, and pictures without permission: code 6, by name."""
+        picture = '{"type":"raster","name":"r","rastername":"p","sizeem":[1,1]}'
+        self.write("in/a.json", view("a", picture))
+        self.write("in/p.png", "\udc89PNG\r\n\x1a\n")
+        self.write("in/shut/b.json", view("b"))
+        self.write("in/c.json", view("c"))
+        (self.folder / "in/p.png").chmod(0)
+        (self.folder / "in/shut").chmod(0o744)
+        (self.folder / "out").mkdir()
+        for path in self.folder, self.folder / "out":
+            path.chmod(0o777)
+        for mode in "auto", "off":
+            done = support.run("migrate", "in", "-o", "out", "--isolate", mode, "--force", cwd=self.folder,
+                               user=65534, group=65534, extra_groups=[])
+            self.assertEqual(done.code, 6, done.error)
+            self.assertIn("in/shut: the folder can be listed but not entered: Permission denied", done.error)
+            self.assertIn("the picture 'p.png' cannot be read: Permission denied", done.error)
+            self.assertEqual(list(self.read_tree("out")), ["c.json/001-c.svg"])
+
     def test_two_runs_into_one_folder_lose_nothing(self):
         for index in range(80):
             self.write(f"in/{index}.json", view(f"v{index}"))

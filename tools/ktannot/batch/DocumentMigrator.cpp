@@ -256,6 +256,13 @@ void DocumentMigrator::migrateView(std::size_t index, DocumentResult& result, st
         takeFindings(index, viewResult);
     }
     document.releaseView(index);
+    for (std::string& failure : mPictures->takeFailures()) {
+        ktLegacy::ktLegacyFinding& finding =
+            result.mFindings.emplace_back(ktLegacy::ktFindingCode::PictureUnreadable, std::move(failure));
+        finding.mView = index;
+        finding.mViewName = viewResult.mName;
+        result.mOutcome = worst(result.mOutcome, ExitCode::EnvironmentFailed);
+    }
     if (!isMade) {
         result.mOutcome = worst(result.mOutcome, ExitCode::Refused);
     } else if (mOptions.isOneFile()) {
@@ -405,7 +412,7 @@ std::string DocumentMigrator::getDrawingPath(const Input& input, std::size_t num
 }
 
 std::string DocumentMigrator::getDocumentPath(const Input& input) const {
-    return mOptions.getPlace(input.mDocumentName) + mOptions.getSuffix();
+    return addSuffix(mOptions.getPlace(input.mDocumentName), mOptions.getSuffix());
 }
 
 }  // namespace ktannot

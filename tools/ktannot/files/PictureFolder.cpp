@@ -9,6 +9,8 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
+#include <system_error>
 
 namespace ktannot {
 
@@ -21,12 +23,20 @@ bool isOnePathComponent(std::string_view name) {
            name.find('\0') == std::string_view::npos;
 }
 
-/// The content of a regular file; empty when it cannot be read whole or is too large.
-std::string readRegularFile(int folder, const std::string& name) {
+/// The content of a regular file; empty when there is none, or when it is too large.
+/// @param failure  receives the reason when there is one that cannot be read.
+std::string readRegularFile(int folder, const std::string& name, std::string& failure) {
     // Not blocking: a pipe of that name must not hang the tool.
     const FileDescriptor file(openat(folder, name.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
+    if (!file.isOpen()) {
+        // Links are passed over, and so are sockets.
+        const bool isNothing =
+            errno == ENOENT || errno == ENOTDIR || errno == ELOOP || errno == ENAMETOOLONG || errno == ENXIO;
+        failure = isNothing ? std::string() : std::generic_category().message(errno);
+        return {};
+    }
     struct stat status {};
-    if (!file.isOpen() || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size <= 0 ||
+    if (fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size <= 0 ||
         static_cast<std::size_t>(status.st_size) > PictureFolder::sMaxPictureSize) {
         return {};
     }
@@ -35,6 +45,7 @@ std::string readRegularFile(int folder, const std::string& name) {
     while (filled < content.size()) {
         const ssize_t count = read(file.get(), content.data() + filled, content.size() - filled);
         if (count <= 0) {
+            failure = count < 0 ? std::generic_category().message(errno) : "it became shorter meanwhile";
             return {};
         }
         filled += static_cast<std::size_t>(count);
@@ -45,11 +56,15 @@ std::string readRegularFile(int folder, const std::string& name) {
 }  // namespace
 
 const std::string* PictureFolder::find(const std::string& rasterName) {
-    const auto [entry, isNew] = mDataUris.try_emplace(rasterName);
+    const auto [entry, isNew] = mPictures.try_emplace(rasterName);
+    Picture& picture = entry->second;
     if (isNew) {
-        entry->second = readPicture(rasterName);
+        picture = readPicture(rasterName);
     }
-    return entry->second.empty() ? nullptr : &entry->second;
+    if (!picture.mFailure.empty()) {
+        mFailures.push_back(picture.mFailure);
+    }
+    return picture.mDataUri.empty() ? nullptr : &picture.mDataUri;
 }
 
 bool PictureFolder::provide(const std::string& rasterName, std::string& rasterData, void* userData) {
@@ -61,24 +76,33 @@ bool PictureFolder::provide(const std::string& rasterName, std::string& rasterDa
     return true;
 }
 
-std::string PictureFolder::readPicture(const std::string& rasterName) const {
+PictureFolder::Picture PictureFolder::readPicture(const std::string& rasterName) const {
+    Picture picture;
     if (!isOnePathComponent(rasterName)) {
-        return {};
+        return picture;
     }
     for (const std::string& path : mFolders) {
-        const FileDescriptor folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+        // A folder need not be readable for its files to be.
+        const FileDescriptor folder(open(path.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
         if (!folder.isOpen()) {
             continue;
         }
         for (const std::string_view suffix : sSuffixes) {
-            const std::string content = readRegularFile(folder.get(), rasterName + std::string(suffix));
+            const std::string name = rasterName + std::string(suffix);
+            std::string failure;
+            const std::string content = readRegularFile(folder.get(), name, failure);
+            if (!failure.empty() && picture.mFailure.empty()) {
+                picture.mFailure = "the picture '" + name + "' cannot be read: " + failure;
+            }
             const std::string_view mediaType = kt::encoding::getPictureType(content);
             if (!mediaType.empty()) {
-                return "data:" + std::string(mediaType) + ";base64," + kt::encoding::encodeBase64(content);
+                picture.mFailure.clear();
+                picture.mDataUri = "data:" + std::string(mediaType) + ";base64," + kt::encoding::encodeBase64(content);
+                return picture;
             }
         }
     }
-    return {};
+    return picture;
 }
 
 }  // namespace ktannot

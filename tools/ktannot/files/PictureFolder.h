@@ -6,6 +6,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace ktannot {
@@ -28,11 +29,20 @@ public:
     /// A raster callback of the migration; userData is a PictureFolder.
     static bool provide(const std::string& rasterName, std::string& rasterData, void* userData);
 
+    /// Why pictures that were looked for since the last call are there and cannot be read.
+    std::vector<std::string> takeFailures() { return std::exchange(mFailures, {}); }
+
 private:
-    std::string readPicture(const std::string& rasterName) const;
+    struct Picture {
+        std::string mDataUri;  ///< empty: not found
+        std::string mFailure;  ///< found, and not readable
+    };
+
+    Picture readPicture(const std::string& rasterName) const;
 
     std::vector<std::string> mFolders;
-    std::map<std::string, std::string> mDataUris;  ///< by raster name; empty: looked for and not found
+    std::map<std::string, Picture> mPictures;  ///< by raster name
+    std::vector<std::string> mFailures;
 };
 
 }  // namespace ktannot

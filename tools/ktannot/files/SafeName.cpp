@@ -1,8 +1,10 @@
 #include "tools/ktannot/files/SafeName.h"
 
+#include "platform/encoding/Hex.h"
 #include "platform/encoding/Utf8.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace ktannot {
 
@@ -41,6 +43,27 @@ std::string makeSafeFileName(std::string_view name) {
     const std::size_t begin = safe.find_first_not_of(" .");
     const std::size_t end = safe.find_last_not_of(" .");
     return begin == std::string::npos ? "view" : safe.substr(begin, end - begin + 1);
+}
+
+std::string addSuffix(const std::string& path, std::string_view suffix) {
+    static constexpr std::size_t sMaxName = 255;
+    static constexpr unsigned sHashDigits = 8;
+    const std::size_t name = path.rfind('/') + 1;
+    if (path.size() - name + suffix.size() <= sMaxName) {
+        return path + std::string(suffix);
+    }
+    std::uint32_t hash = 0x811C9DC5;
+    for (const char byte : std::string_view(path).substr(name)) {
+        hash = (hash ^ static_cast<unsigned char>(byte)) * 0x01000193;
+    }
+    std::size_t end = name + sMaxName - suffix.size() - sHashDigits - 1;
+    // Not within a character.
+    while (end > name && (static_cast<unsigned char>(path[end]) & 0xC0U) == 0x80U) {
+        --end;
+    }
+    std::string cut = path.substr(0, end) + "~";
+    kt::encoding::appendHex(cut, hash, sHashDigits);
+    return cut += suffix;
 }
 
 }  // namespace ktannot

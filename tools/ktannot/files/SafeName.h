@@ -14,4 +14,8 @@ namespace ktannot {
 /// @param name  any bytes.
 std::string makeSafeFileName(std::string_view name);
 
+/// The path with a suffix behind its last name. A name that would be longer than file systems have them is cut, with a
+/// hash of the whole name in place of what is missing.
+std::string addSuffix(const std::string& path, std::string_view suffix);
+
 }  // namespace ktannot
