@@ -69,6 +69,8 @@ void ThreadedRun::run(const BatchRun& batch) {
                                    tbb::make_filter<std::size_t, std::size_t>(tbb::filter_mode::parallel, migrate) &
                                    tbb::make_filter<std::size_t, void>(tbb::filter_mode::serial_in_order, takeTurn));
     });
+    // What the threads did last is seen by the caller, and by the end of what they worked with.
+    const std::scoped_lock lock(inputMutex, doneMutex, turnMutex);
 }
 
 }  // namespace ktannot
