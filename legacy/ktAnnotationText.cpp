@@ -205,7 +205,7 @@ void ktAnnotationText::TextSegment::assignText(std::string_view text) {
     const auto length = static_cast<std::uint16_t>(std::min(text.size(), sMaxSegmentLength));
     if (mText == nullptr) {
         if (length != 0) {
-            reading::copyText(allocateText(length), text.data(), length);
+            std::memcpy(allocateText(length), text.data(), length);
         }
         return;
     }
@@ -214,7 +214,7 @@ void ktAnnotationText::TextSegment::assignText(std::string_view text) {
     old.mText = mText.take();
     old.mLength = mLength.take();
     if (length != 0) {
-        reading::copyText(allocateText(length), text.data(), length);
+        std::memcpy(allocateText(length), text.data(), length);
     }
 }
 
@@ -279,6 +279,7 @@ void ktAnnotationText::TextSegment::load(kt::ktBaseStream& stream) {
     }
 }
 
+// What this saves: benchmarks/RESULTS.md, usual segments.
 bool ktAnnotationText::TextSegment::loadUsual(kt::ktBaseStream& stream) {
     constexpr std::size_t sLengthSize = 2;
     constexpr std::size_t sEndSize = 2;  // type, and whether properties follow
@@ -300,7 +301,7 @@ bool ktAnnotationText::TextSegment::loadUsual(kt::ktBaseStream& stream) {
     stream.take(sLengthSize);
     if (length != 0) {
         stream.chargeMemory(length + 1, 1);
-        reading::copyText(allocateText(static_cast<std::uint16_t>(length)), text, length);
+        std::memcpy(allocateText(static_cast<std::uint16_t>(length)), text, length);
     }
     mType = static_cast<SegmentType>(end[0]);
     stream.take(length + sEndSize);

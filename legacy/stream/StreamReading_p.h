@@ -34,35 +34,10 @@ inline void readVector(kt::ktBaseStream& stream, Wm4::Vector3<float>& vector) {
     stream.readle(4, 3, &vector);
 }
 
-/// Copies the bytes of a text. Most are short, and a call would take longer than their copy.
-inline void copyText(char* destination, const void* source, std::size_t size) {
-    const auto* bytes = static_cast<const char*>(source);
-    // Two copies of fixed size that overlap as needed.
-    if (size >= 8 && size <= 16) {
-        std::uint64_t parts[2];
-        std::memcpy(&parts[0], bytes, 8);
-        std::memcpy(&parts[1], bytes + size - 8, 8);
-        std::memcpy(destination, &parts[0], 8);
-        std::memcpy(destination + size - 8, &parts[1], 8);
-    } else if (size >= 4 && size < 8) {
-        std::uint32_t parts[2];
-        std::memcpy(&parts[0], bytes, 4);
-        std::memcpy(&parts[1], bytes + size - 4, 4);
-        std::memcpy(destination, &parts[0], 4);
-        std::memcpy(destination + size - 4, &parts[1], 4);
-    } else if (size < 4) {
-        for (std::size_t index = 0; index < size; ++index) {
-            destination[index] = bytes[index];
-        }
-    } else {
-        std::memcpy(destination, bytes, size);
-    }
-}
-
 /// Reads the bytes of a text; those that the data does not fill are NUL.
 inline void readBytes(kt::ktBaseStream& stream, char* destination, std::size_t size) {
     if (const std::byte* bytes = stream.take(size); bytes != nullptr) [[likely]] {
-        copyText(destination, bytes, size);
+        std::memcpy(destination, bytes, size);
         return;
     }
     std::memset(destination, 0, size);
