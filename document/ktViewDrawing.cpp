@@ -35,6 +35,22 @@ const char* getRemedy(ktFindingCode cause) {
     }
 }
 
+std::string describe(const kt::text::FontProblem& problem) {
+    using Kind = kt::text::FontProblem::Kind;
+    switch (problem.mKind) {
+        case Kind::NoConfiguration:
+            return "fonts cannot be read: the system's font configuration cannot be opened" +
+                   (problem.mFile.empty() ? "" : ": '" + problem.mFile + "': " + problem.mReason);
+        case Kind::NoFont:
+            return "fonts cannot be read: there are none";
+        case Kind::CannotOpen:
+            return "fonts cannot be read: '" + problem.mFile + "': " + problem.mReason;
+        case Kind::Damaged:
+            break;
+    }
+    return "fonts cannot be read: '" + problem.mFile + "' holds no usable font";
+}
+
 ktFindingCode getWarningCode(WarningKind kind) {
     switch (kind) {
         case WarningKind::NumberNotFinite:
@@ -98,6 +114,9 @@ public:
                 take(std::move(created), index);
             }
         }
+        if (refuseForFonts()) {
+            return false;
+        }
         if (nestedLeaders != 0) {
             ktLegacyFinding finding(
                 ktFindingCode::NestedLeaders,
@@ -152,6 +171,9 @@ private:
             finding.mAnnotationName = annotation.GetName();
         };
         if (!isMigrated) {
+            if (refuseForFonts()) {
+                return false;
+            }
             ktLegacyFinding failure = makeFailure(lines);
             locate(failure);
             for (const unsigned int child : mMigration.getFailedSubAnnot()) {
@@ -200,6 +222,17 @@ private:
         finding.mViewName = mViewName;
         finding.mRemedy = getRemedy(cause);
         return finding;
+    }
+
+    /// Refuses the view when fonts of the machine are out of order: texts would stand in other ones than they should.
+    bool refuseForFonts() {
+        const std::vector<kt::text::FontProblem> problems = mMigration.takeFontProblems();
+        if (!problems.empty()) {
+            ktLegacyFinding finding(ktFindingCode::FontsUnavailable, describe(problems.front()));
+            finding.mViewName = mViewName;
+            refuse(std::move(finding));
+        }
+        return !problems.empty();
     }
 
     void refuse(ktLegacyFinding why) {

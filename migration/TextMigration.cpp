@@ -93,4 +93,8 @@ bool ktAnnotationMigration::migrateTextAnnotation(const ktAnnotationText* text, 
     return true;
 }
 
+std::vector<kt::text::FontProblem> ktAnnotationMigration::takeFontProblems() {
+    return mWorkspace->mTextConverter.takeFontProblems();
+}
+
 }  // namespace ktLegacy

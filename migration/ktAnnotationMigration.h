@@ -9,6 +9,7 @@
 #include "legacy/ktAnnotationText.h"
 #include "legacy/ktAnnotationView.h"
 #include "legacy/ktFindingCode.h"
+#include "platform/annotation/FontProblem.h"
 #include "platform/annotation/ktCadAnnotation.h"
 #include "platform/annotation/ktCadAnnotationView.h"
 #include "platform/svg/BoundingBox.h"
@@ -63,6 +64,8 @@ public:
     /// What the last call told the log, in order: of a failure the cause first, then where it struck; also lines of a
     /// call that went well. Valid until the next call.
     const std::vector<LogLine>& getLogLines() const;
+    /// What kept fonts from being used since the last call: texts may be set in other fonts than they should be.
+    std::vector<kt::text::FontProblem> takeFontProblems();
     /// Where the last call failed, when it failed in a nested annotation: its indices in the lists of sub-annotations,
     /// outermost first.
     const std::vector<unsigned int>& getFailedSubAnnot() const;

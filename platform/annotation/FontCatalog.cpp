@@ -2,6 +2,7 @@
 #include "platform/annotation/TextProperties.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <string_view>
 #include <system_error>
@@ -63,6 +64,20 @@ std::string makeFolderRules(const std::string& folder) {
         }
     }
     return rules.append("</dir>").append(sFolderRules).append("</fontconfig>");
+}
+
+/// The font library goes on with rules of its own when it cannot read the system's.
+void appendConfigurationProblem(std::vector<FontProblem>& problems) {
+    FcChar8* name = FcConfigFilename(nullptr);
+    const std::string path = name != nullptr ? reinterpret_cast<const char*>(name) : "";
+    FcStrFree(name);
+    std::FILE* file = path.empty() ? nullptr : std::fopen(path.c_str(), "re");
+    if (file != nullptr) {
+        std::fclose(file);
+        return;
+    }
+    const std::string reason = path.empty() ? "" : std::generic_category().message(errno);
+    problems.push_back({FontProblem::Kind::NoConfiguration, path, reason});
 }
 
 bool hasFonts(FcConfig* config) {
@@ -139,14 +154,8 @@ void FontCatalog::appendProblems(std::vector<FontProblem>& problems) const {
     if (used == nullptr || !hasFonts(used)) {
         problems.push_back({FontProblem::Kind::NoFont, "", ""});
     }
-    if (config == nullptr && used != nullptr) {
-        FcStrList* files = FcConfigGetConfigFiles(used);
-        if (files == nullptr || FcStrListNext(files) == nullptr) {
-            problems.push_back({FontProblem::Kind::NoConfiguration, "", ""});
-        }
-        if (files != nullptr) {
-            FcStrListDone(files);
-        }
+    if (config == nullptr) {
+        appendConfigurationProblem(problems);
     }
 }
 

@@ -22,7 +22,7 @@ struct FontProblem {
 
     Kind mKind = Kind::NoFont;
     std::string mFile;    ///< empty unless the problem is one of a file
-    std::string mReason;  ///< why a file cannot be opened, in the system's words
+    std::string mReason;  ///< why the file cannot be opened, in the system's words
 };
 
 }  // namespace kt::text

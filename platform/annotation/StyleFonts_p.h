@@ -12,6 +12,7 @@
 #include <memory>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace kt::text {
@@ -40,6 +41,10 @@ public:
     ~StyleFonts();
 
     const std::shared_ptr<const FontStack>& getStack() const { return mStack; }
+    /// Remembers that texts are laid out with these fonts.
+    void markUse() { mIsUsed = true; }
+    /// Whether they were since the last call.
+    bool takeUse() { return std::exchange(mIsUsed, false); }
     /// The style's own font; null when the system has none.
     const Font* getMainFont() const { return mMainFont; }
     /// The font for a cluster, see FontStack::findFont.
@@ -88,6 +93,7 @@ private:
     std::unordered_map<char32_t, const Font*> mFontOfCharacter;
     std::vector<std::unique_ptr<ScriptCharacters>> mScripts;  ///< Latin first
     std::vector<std::unique_ptr<Page>> mPages;
+    bool mIsUsed = false;
 };
 
 }  // namespace kt::text

@@ -62,7 +62,7 @@ void reorder(const std::vector<LaidOutRun>& runs, std::vector<std::size_t>& orde
 bool TextLayout::layOut(const TextArea& area) {
     if (mFonts.size() > sMaxRememberedStyles) {
         std::vector<FontProblem> problems;
-        appendFontProblems(problems);
+        takeFontProblems(problems);
         mFormerProblems = std::move(problems);
         mShaper.clear();
         mFonts.clear();
@@ -86,11 +86,16 @@ bool TextLayout::layOut(const TextArea& area) {
     return mWidth < sMaxExtent && mHeight < sMaxExtent;
 }
 
-void TextLayout::appendFontProblems(std::vector<FontProblem>& problems) const {
+void TextLayout::takeFontProblems(std::vector<FontProblem>& problems) {
     problems.insert(problems.end(), mFormerProblems.begin(), mFormerProblems.end());
+    mFormerProblems.clear();
     for (const auto& [key, fonts] : mFonts) {
-        fonts->getStack()->appendProblems(problems);
+        if (fonts->takeUse()) {
+            fonts->getStack()->appendProblems(problems);
+        }
     }
+    // The next use must be seen again.
+    mLastFonts = nullptr;
 }
 
 bool TextLayout::hasExtent() const {
@@ -298,6 +303,7 @@ StyleFonts& TextLayout::findFonts(const TextProperties& properties) {
         known = mFonts.emplace(mFontsKey, std::move(fonts)).first;
     }
     mLastFonts = known->second.get();
+    mLastFonts->markUse();
     return *mLastFonts;
 }
 

@@ -57,8 +57,8 @@ public:
     const std::vector<LaidOutLine>& getLines() const { return mLines; }
     /// Runs of all lines, in logical order within a line.
     std::vector<LaidOutRun>& editRuns() { return mRuns; }
-    /// Appends what kept fonts from being used in all blocks since the layout was made.
-    void appendFontProblems(std::vector<FontProblem>& problems) const;
+    /// Appends what kept fonts from being used for the blocks since the last call.
+    void takeFontProblems(std::vector<FontProblem>& problems);
     /// Whether anything of the block can be seen: text of no size cannot.
     bool hasExtent() const;
     double getWidth() const { return mWidth; }
@@ -90,7 +90,7 @@ private:
     std::string mFontsKey;                     ///< of the fonts found last
     StyleFonts* mLastFonts = nullptr;          ///< null: none since the fonts were forgotten
     StyleFonts* mDefaultFonts = nullptr;       ///< of the area at work
-    std::vector<FontProblem> mFormerProblems;  ///< of fonts that were forgotten
+    std::vector<FontProblem> mFormerProblems;  ///< of fonts that are forgotten, since the last call
     RunShaper mShaper;
 
     std::vector<LaidOutLine> mLines;

@@ -69,9 +69,9 @@ TextSegmentToSvgConverter::TextSegmentToSvgConverter() : mLayout(std::make_uniqu
 
 TextSegmentToSvgConverter::~TextSegmentToSvgConverter() = default;
 
-std::vector<FontProblem> TextSegmentToSvgConverter::getFontProblems() const {
+std::vector<FontProblem> TextSegmentToSvgConverter::takeFontProblems() const {
     std::vector<FontProblem> problems;
-    mLayout->mTextLayout.appendFontProblems(problems);
+    mLayout->mTextLayout.takeFontProblems(problems);
     for (auto problem = problems.begin(); problem != problems.end();) {
         problem = std::find(problems.begin(), problem, *problem) != problem ? problems.erase(problem) : problem + 1;
     }

@@ -49,9 +49,9 @@ public:
     bool convertTextAreaToSvg(const TextArea& area, svg::Node& target, Wm4::Vector2<float>* size,
                               const char* boundingBoxId) const;
 
-    /// What kept fonts from being used since the converter was made, each once: texts that it has laid out may be set
-    /// in other fonts than they should be. Empty on a machine that is well.
-    std::vector<FontProblem> getFontProblems() const;
+    /// What kept fonts from being used for the texts since the last call, each once: they may be set in other fonts
+    /// than they should be. Empty on a machine that is well.
+    std::vector<FontProblem> takeFontProblems() const;
 
 private:
     class Layout;

@@ -74,7 +74,8 @@ TEST_F(FolderOfFontsTest, TellsWhichFontsCannotBeUsed) {
     const text::TextArea area = test::makeLine(makeProperties("Arial", 5.0F), {"width"});
     const text::TextSegmentToSvgConverter converter;
     EXPECT_TRUE(LaidOutText(area, converter).mIsDone) << "another font stands in";
-    const std::vector<FontProblem> problems = converter.getFontProblems();
+    const std::vector<FontProblem> problems = converter.takeFontProblems();
+    EXPECT_THAT(converter.takeFontProblems(), IsEmpty()) << "told once";
     ASSERT_EQ(problems.size(), 1U);
     EXPECT_EQ(problems[0].mKind, FontProblem::Kind::CannotOpen);
     EXPECT_EQ(problems[0].mFile, sans);
@@ -82,15 +83,15 @@ TEST_F(FolderOfFontsTest, TellsWhichFontsCannotBeUsed) {
 
     const text::TextSegmentToSvgConverter untouched;
     LaidOutText(test::makeLine(makeProperties("DejaVu Sans", 5.0F), {"width"}), untouched);
-    EXPECT_THAT(untouched.getFontProblems(), IsEmpty());
+    EXPECT_THAT(untouched.takeFontProblems(), IsEmpty());
 
     std::ofstream(sans) << "no font";
     const text::TextSegmentToSvgConverter later;
     LaidOutText(area, later);
-    EXPECT_THAT(later.getFontProblems(), ElementsAre(FontProblem{FontProblem::Kind::Damaged, sans, ""}));
+    EXPECT_THAT(later.takeFontProblems(), ElementsAre(FontProblem{FontProblem::Kind::Damaged, sans, ""}));
     // A missing glyph is no fault of the machine.
     LaidOutText(test::makeLine(makeProperties("DejaVu Sans", 5.0F), {"\U0010FFFD"}), untouched);
-    EXPECT_THAT(untouched.getFontProblems(), IsEmpty());
+    EXPECT_THAT(untouched.takeFontProblems(), IsEmpty());
 }
 
 TEST(FontLanguagesTest, DoNotDependOnTheEnvironment) {

@@ -195,8 +195,7 @@ TEST(GlyphSourceTest, ThickensAndSlantsWhereTheFontLacksTheStyle) {
 TEST(GlyphSourceTest, MovesMarksAlongWithSlantedLetters) {
     // This family has no italic.
     const LaidOutText upright(makeProperties("Noto Naskh Arabic", 10.0F), "مُحَمَّد");
-    const LaidOutText slanted(makeProperties("Noto Naskh Arabic", 10.0F, text::TextProperties::sItalic),
-                              "مُحَمَّد");
+    const LaidOutText slanted(makeProperties("Noto Naskh Arabic", 10.0F, text::TextProperties::sItalic), "مُحَمَّد");
     ASSERT_EQ(slanted.mGlyphs.size(), upright.mGlyphs.size());
     float highest = 0.0F;
     for (std::size_t index = 0; index < upright.mGlyphs.size(); ++index) {

@@ -33,6 +33,8 @@ class TextSegmentToSvgConverter::Layout {};
 TextSegmentToSvgConverter::TextSegmentToSvgConverter() = default;
 TextSegmentToSvgConverter::~TextSegmentToSvgConverter() = default;
 
+std::vector<FontProblem> TextSegmentToSvgConverter::takeFontProblems() const { return {}; }
+
 /// A rectangle of half an em for each byte.
 bool TextSegmentToSvgConverter::convertTextAreaToSvg(const TextArea& area, svg::Node& target, Wm4::Vector2<float>* size,
                                                      const char* boundingBoxId) const {

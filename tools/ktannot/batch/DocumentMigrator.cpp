@@ -264,7 +264,12 @@ void DocumentMigrator::migrateView(std::size_t index, DocumentResult& result, st
         result.mOutcome = worst(result.mOutcome, ExitCode::EnvironmentFailed);
     }
     if (!isMade) {
-        result.mOutcome = worst(result.mOutcome, ExitCode::Refused);
+        const auto isMachinesFault = [](const ktLegacy::ktLegacyFinding& finding) {
+            return finding.mCode == ktLegacy::ktFindingCode::FontsUnavailable;
+        };
+        const bool mayHelpAgain =
+            std::any_of(viewResult.mFindings.begin(), viewResult.mFindings.end(), isMachinesFault);
+        result.mOutcome = worst(result.mOutcome, mayHelpAgain ? ExitCode::EnvironmentFailed : ExitCode::Refused);
     } else if (mOptions.isOneFile()) {
         viewResult.mState = mOptions.mIsDryRun ? ViewResult::State::Planned : ViewResult::State::Written;
         addPage(viewResult, result);
