@@ -63,9 +63,14 @@ ktFindingCode getWarningCode(WarningKind kind) {
             return ktFindingCode::PictureTooLarge;
         case WarningKind::PictureWithoutData:
         case WarningKind::PictureNotBase64:
+        case WarningKind::PictureDamaged:
             return ktFindingCode::PictureDamaged;
         case WarningKind::ElementTooLong:
             return ktFindingCode::ItemTooLarge;
+        case WarningKind::TextUnreadable:
+            return ktFindingCode::TextUnreadable;
+        case WarningKind::PageTooLarge:
+            return ktFindingCode::PageAbsurd;
         case WarningKind::OutlinesMissing:
             return ktFindingCode::OutlinesMissing;
         case WarningKind::GlyphMissing:

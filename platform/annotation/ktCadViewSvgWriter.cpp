@@ -4,6 +4,8 @@
 #include "platform/svg/ComputeEstimatedBoundingBox.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
 
 namespace kt {
@@ -14,6 +16,9 @@ using svg::BoundingBox;
 using svg::Transform;
 using Point2 = Wm4::Vector2<float>;
 using Point3 = Wm4::Vector3<float>;
+
+/// Parts of any drawing lie nearer to its origin than this, in millimetres: a kilometre.
+constexpr float sUsualReach = 1e6F;
 
 /// From the view's plane, y up, to the drawing, y down.
 Point2 toDrawing(const Point3& point) { return {point.x, -point.y}; }
@@ -73,6 +78,7 @@ void ktCadViewSvgWriter::begin(std::string_view viewName) {
     mBox = {};
     mAnnotationCount = 0;
     mWarnings.clear();
+    mReach = sUsualReach;
 }
 
 void ktCadViewSvgWriter::add(const ktCadAnnotation& annotation) {
@@ -81,7 +87,35 @@ void ktCadViewSvgWriter::add(const ktCadAnnotation& annotation) {
     for (svg::SvgWriter::Warning& warning : mWriter->takeWarnings()) {
         mWarnings.push_back({std::move(warning), mAnnotationCount, annotation.mName});
     }
+    noteReach(annotation);
     ++mAnnotationCount;
+}
+
+void ktCadViewSvgWriter::noteReach(const ktCadAnnotation& annotation) {
+    const float reach =
+        mBox.isEmpty()
+            ? 0.0F
+            : std::max({-mBox.getMinPoint().x, -mBox.getMinPoint().y, mBox.getMaxPoint().x, mBox.getMaxPoint().y});
+    if (reach > mReach) {
+        mReach = reach;
+        mReachingAnnotation = mAnnotationCount;
+        mReachingName = annotation.mName;
+    }
+}
+
+void ktCadViewSvgWriter::warnOfPage() {
+    if (!(mReach > sUsualReach)) {
+        return;
+    }
+    const bool isWide = mBox.getWidth() >= mBox.getHeight();
+    const double kilometres = static_cast<double>(std::max(mBox.getWidth(), mBox.getHeight())) * 1e-6;
+    std::array<char, 32> digits{};
+    char* const end =
+        std::to_chars(digits.data(), digits.data() + digits.size(), kilometres, std::chars_format::general, 3).ptr;
+    std::string what = "a coordinate makes the page ";
+    what.append(static_cast<const char*>(digits.data()), static_cast<const char*>(end)).append(isWide ? " km wide" : " km high").append(": nothing can be seen on it");
+    mWarnings.push_back(
+        {{svg::SvgWriter::Warning::Kind::PageTooLarge, std::move(what)}, mReachingAnnotation, mReachingName});
 }
 
 void ktCadViewSvgWriter::writeLeaders(const ktCadAnnotation& annotation) {
@@ -127,6 +161,7 @@ std::vector<std::string_view> ktCadViewSvgWriter::finish() {
     if (mBox.isEmpty()) {
         mBox.addPoint(Point2::ZERO);
     }
+    warnOfPage();
     // Glyphs may reach a little out of their boxes, by millimetres when the text is metres high.
     // No margin may reach beyond the numbers there are.
     constexpr float sMaxSide = 1e36F;

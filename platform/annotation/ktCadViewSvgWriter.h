@@ -71,12 +71,20 @@ public:
 private:
     void writeLeaders(const ktCadAnnotation& annotation);
     void writeContent(const ktCadAnnotation& annotation);
+    /// Remembers where the page ends, when it grew.
+    void noteReach(const ktCadAnnotation& annotation);
+    void warnOfPage();
 
     Options mOptions;
     std::unique_ptr<svg::SvgWriter> mWriter;  ///< of the drawing that is begun
     svg::BoundingBox mBox;                    ///< holds what was added
     std::size_t mAnnotationCount = 0;
     std::vector<Warning> mWarnings;
+
+    /// What reaches farthest from the origin, beyond what pages usually have.
+    float mReach = 0.0F;
+    std::size_t mReachingAnnotation = 0;
+    std::string mReachingName;
 };
 
 }  // namespace kt

@@ -14,4 +14,8 @@ inline constexpr std::size_t sPictureHeadSize = 12;
 /// The media type of a PNG, JPEG, GIF or WebP file that begins so; empty for any other.
 std::string_view getPictureType(std::string_view head);
 
+/// Whether a file of one of these kinds has its end, and a size where its head tells one. What lies between is not
+/// decoded.
+bool isWholePicture(std::string_view file);
+
 }  // namespace kt::encoding

@@ -312,6 +312,7 @@ void ItemWriter::writeRect(const Rect& rect, const Affine& map, const WriteConte
     }
     const Placement placement = place(map, context.mScale);
     const Paint paint = getPaint(rect, context.mInherited);
+    mReadability.addFill(paint.mColor, rect, context.mMap);
     appendBox("<rect", rect.getPosition(), rect.getSize(), placement);
     appendCommon(rect, map, placement, paint, context, getOutlineClass(rect, paint));
     mBuffer->append("/>\n");
@@ -334,6 +335,11 @@ void ItemWriter::writeImage(const Image& image, const Affine& map, const WriteCo
         warn(picture.mProblem->mKind, getName(image.getKind()), picture.mProblem->mText);
         return;
     }
+    if (picture.mIsDamaged) {
+        mWarnings.push_back({Warning::Kind::PictureDamaged,
+                             "the picture of an image is cut or damaged: readers may show a part of it, or nothing"});
+    }
+    mReadability.addUnknown();
     const auto width = std::abs(static_cast<double>(image.getSize().x));
     const auto height = std::abs(static_cast<double>(image.getSize().y));
     if (width == 0.0 || height == 0.0) {
@@ -356,6 +362,7 @@ void ItemWriter::writePath(const Path& path, const Affine& map, const WriteConte
     }
     const Placement placement = place(map, context.mScale);
     const Paint paint = getPaint(path, context.mInherited);
+    mReadability.addFill(paint.mColor, path, context.mMap);
     mBuffer->append("<path");
     appendCommon(path, map, placement, paint, context, getOutlineClass(path, paint));
     mBuffer->append(" d=\"");
@@ -369,11 +376,13 @@ void ItemWriter::writeText(const Text& text, const Affine& map, const WriteConte
     }
     if (mTextMode == SvgWriter::TextMode::Outlines) {
         if (text.getGlyphSource()) {
+            checkReadability(text, map, context);
             writeOutlines(text, map, context);
             return;
         }
         mWarnings.push_back({Warning::Kind::OutlinesMissing, "a text stays text: its glyphs have no outlines"});
     }
+    checkReadability(text, map, context);
     const Placement placement = place(map, context.mScale);
     const TextScan scan = scanText(text.getText());
     char* out = putLiteral(mBuffer->reserve(sNumbersSize), "<text x=\"");
@@ -421,6 +430,15 @@ void ItemWriter::writeText(const Text& text, const Affine& map, const WriteConte
         appendXmlText(*mBuffer, text.getText(), XmlContext::Content);
         mBuffer->append(controls.mEnd);
         mBuffer->append("</text>\n");
+    }
+}
+
+void ItemWriter::checkReadability(const Text& text, const Affine& map, const WriteContext& context) {
+    const std::string_view color = getPaint(text, context.mInherited).mColor;
+    if (const std::string_view fill = mReadability.findUnreadable(color, text, map); !fill.empty()) {
+        mWarnings.push_back(
+            {Warning::Kind::TextUnreadable,
+             std::string("text cannot be told from its fill: ").append(color).append(" on ").append(fill)});
     }
 }
 

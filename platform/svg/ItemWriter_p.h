@@ -9,6 +9,7 @@
 #include "platform/svg/GlyphSource.h"
 #include "platform/svg/NumberFormat_p.h"
 #include "platform/svg/PictureDefinitions_p.h"
+#include "platform/svg/Readability_p.h"
 #include "platform/svg/SvgWriter.h"
 #include "platform/svg/TextBuffer_p.h"
 
@@ -59,6 +60,9 @@ public:
     /// Where it writes from now on.
     void setBuffer(TextBuffer& buffer) { mBuffer = &buffer; }
 
+    /// Begins with items that do not lie on those before.
+    void startTree() { mReadability.clear(); }
+
     /// Writes an item that is no group.
     void writeItem(const ItemInterface& item, const WriteContext& context);
 
@@ -98,6 +102,7 @@ private:
     void writeImage(const Image& image, const Affine& map, const WriteContext& context);
     void writePath(const Path& path, const Affine& map, const WriteContext& context);
     void writeText(const Text& text, const Affine& map, const WriteContext& context);
+    void checkReadability(const Text& text, const Affine& map, const WriteContext& context);
     void writeOutlines(const Text& text, const Affine& map, const WriteContext& context);
     void warnOfMissingGlyphs();
     void writeGlyph(const PlacedGlyph& glyph, double runScale, int decimals);
@@ -114,6 +119,7 @@ private:
     TextBuffer* mBuffer;
     SvgWriter::TextMode mTextMode;
     std::unordered_set<std::string> mIds;
+    Readability mReadability;
     FontStyles mFonts;
     GlyphDefinitions mGlyphs;
     PictureDefinitions mPictures;

@@ -100,6 +100,10 @@ void Picture::setType(std::string_view head) {
     }
 }
 
+bool Picture::isDamaged() const {
+    return !encoding::isWholePicture(mBase64.empty() ? mBytes : encoding::decodeBase64(mBase64));
+}
+
 std::size_t Picture::getDataUriSize() const {
     return sScheme.size() + mMediaType.size() + sEncoding.size() + mBase64.size() +
            encoding::getBase64Size(mBytes.size());

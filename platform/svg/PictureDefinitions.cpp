@@ -20,12 +20,12 @@ bool PictureDefinitions::isReserved(std::string_view id) { return isNumberedId(i
 
 PictureDefinitions::Entry PictureDefinitions::define(std::string_view source) {
     // Usually the source is spelt as it is written here: no need to decode it again.
-    if (const auto found = mNumbers.find(source); found != mNumbers.end()) {
-        return {found->second, nullptr};
+    if (const auto found = mEntries.find(source); found != mEntries.end()) {
+        return found->second;
     }
     const Picture picture(source);
     if (picture.getProblem() != nullptr) {
-        return {0, picture.getProblem()};
+        return {0, false, picture.getProblem()};
     }
     const auto number = static_cast<unsigned>(mElements.size()) + 1;
     const std::string start = "<image id=\"p" + std::to_string(number) +
@@ -35,11 +35,11 @@ PictureDefinitions::Entry PictureDefinitions::define(std::string_view source) {
     picture.appendDataUri(element);
     const std::string_view uri = getText(element).substr(start.size());
     element.append(sElementEnd);
-    const auto [entry, isNew] = mNumbers.try_emplace(uri, number);
+    const auto [entry, isNew] = mEntries.try_emplace(uri, Entry{number, picture.isDamaged(), nullptr});
     if (!isNew) {
         mElements.pop_back();
     }
-    return {entry->second, nullptr};
+    return entry->second;
 }
 
 void PictureDefinitions::appendElements(std::vector<std::string_view>& pieces) const {

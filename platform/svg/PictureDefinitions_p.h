@@ -20,6 +20,7 @@ public:
     /// What became of a picture.
     struct Entry {
         unsigned mNumber = 0;  ///< of the id; 0: there is a problem
+        bool mIsDamaged = false;
         const Picture::Problem* mProblem = nullptr;
     };
 
@@ -35,7 +36,7 @@ public:
 
 private:
     std::deque<TextBuffer> mElements;
-    std::unordered_map<std::string_view, unsigned> mNumbers;  ///< by the data URIs in the elements
+    std::unordered_map<std::string_view, Entry> mEntries;  ///< by the data URIs in the elements
 };
 
 }  // namespace kt::svg

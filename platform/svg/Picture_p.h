@@ -33,6 +33,10 @@ public:
     /// Null when the picture can be embedded.
     const Problem* getProblem() const { return mProblem; }
 
+    /// Whether the file is cut or its head says what cannot be; only when there is no problem. It can be embedded all
+    /// the same: readers show what there is.
+    bool isDamaged() const;
+
     /// Bytes of the data URI; only when there is no problem.
     std::size_t getDataUriSize() const;
     /// Appends the picture as a data URI; only when there is no problem.

@@ -298,6 +298,7 @@ void SvgWriter::Document::writeTree(const ItemInterface& item, const Affine& pla
         }
     };
 
+    mItems.startTree();
     WriteContext context = getContext();
     context.mMap = placement;
     visit(item, context);

@@ -50,6 +50,9 @@ public:
             PictureTooLarge,     ///< larger than 7,400,000 bytes
             PictureWithoutData,  ///< a data URI that ends before its data
             PictureNotBase64,    ///< a data URI whose data cannot be decoded
+            PictureDamaged,      ///< a picture that is cut, or without a size; embedded as it is
+            TextUnreadable,      ///< text in a colour whose contrast to what lies beneath it is below 3 to 1
+            PageTooLarge,        ///< a coordinate so far away that nothing can be seen in the drawing
             ElementTooLong,      ///< an item that would take more than sMaxElementSize bytes was left out
             OutlinesMissing,     ///< text without a glyph source stays text among outlines
             GlyphMissing,        ///< boxes stand for characters that no font has

@@ -59,6 +59,30 @@ TEST(Picture, IsToldByItsContent) {
     }
 }
 
+TEST(Picture, IsWholeWithASizeAndAnEnd) {
+    const std::string png =
+        "\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\0\1\0\0\0\1\1\0\0\0\0crc0\0\0\0\0IEND\xAE"
+        "B`\x82"s;
+    const std::string jpeg = "\xFF\xD8\xFF\xE0\0\4ab\xFF\xC0\0\x0B\x08\0\1\0\1\1\1\x11\0\xFF\xDA\0\2scan\xFF\xD9"s;
+    const std::string gif = "GIF89a\1\0\1\0\0\0\0;"s;
+    const std::string webp = "RIFF\x12\0\0\0WEBPVP8 \6\0\0\0pixels"s;
+    for (const std::string& whole : {png, jpeg, gif, webp}) {
+        EXPECT_FALSE(Picture(whole).isDamaged()) << testing::PrintToString(whole);
+        EXPECT_FALSE(Picture(whole + "\0\0"s).isDamaged()) << testing::PrintToString(whole);
+        // Cut anywhere: told as damaged, if it can be told as a picture still.
+        for (std::size_t size = 0; size < whole.size(); ++size) {
+            const std::string cut = whole.substr(0, size);
+            const Picture picture(cut);
+            EXPECT_TRUE(picture.getProblem() != nullptr || picture.isDamaged())
+                << size << testing::PrintToString(whole);
+        }
+    }
+    std::string flat = png;
+    flat[19] = '\0';
+    EXPECT_TRUE(Picture(flat).isDamaged());
+    EXPECT_TRUE(Picture("data:image/png;base64," + sPngBase64).isDamaged());
+}
+
 TEST(Picture, IsRefusedOneByteAboveTheLimit) {
     std::string file = "GIF89a" + std::string(Picture::sMaxSize - 6, '\1');
     const std::string uri = embed(file);

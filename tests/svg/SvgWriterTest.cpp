@@ -392,6 +392,32 @@ TEST(SvgWriter, EmbedsEachPictureOnceAndLeavesOutWhatItCovers) {
                                                       uses.substr(uses.find('\n') + 1) + rect + last + rect);
 }
 
+TEST(SvgWriter, TellsTextThatCannotBeReadOnItsFill) {
+    const struct {
+        std::shared_ptr<ItemInterface> mGround;
+        const char* mText;
+        bool mIsTold;
+    } rows[] = {
+        {makeRect({0, 0}, {20, 4}, "#000000"), "#000000", true},
+        {makeRect({0, 0}, {20, 4}, "#FFFFFF"), "#000000", false},
+        {makeRect({0, 0}, {20, 4}, "#FFFFFF"), "#959595", true},   // 2.99 to 1
+        {makeRect({0, 0}, {20, 4}, "#FFFFFF"), "#949494", false},  // 3.03 to 1
+        {makeRect({0, 0}, {20, 4}, "none"), "#000000", false},
+        {makeRect({0, 3}, {20, 4}, "#000000"), "#000000", false},  // beside it
+        {makeGroup({{1, 0, 0, -1}, {0, 4}}, {makeRect({0, 0}, {20, 4}, "#000000")}), "#000000", true},
+        {makeGroup({}, {makeRect({0, 0}, {20, 4}, "#000000"), makeRect({0, 0}, {20, 4}, "#FFFF00")}), "#000000", false},
+        {makeGroup({}, {makeRect({0, 0}, {20, 4}, "#000000"), makeImage("GIF89a\1", {0, 0}, {20, 4})}), "#000000",
+         false},
+    };
+    for (const auto& row : rows) {
+        auto text = makeText("A");
+        text->setColor(row.mText);
+        const Written written(*makeGroup({}, {row.mGround, text, text}));
+        EXPECT_EQ(std::count(written.mKinds.begin(), written.mKinds.end(), Kind::TextUnreadable), row.mIsTold ? 1 : 0)
+            << &row - rows;
+    }
+}
+
 TEST(SvgWriter, SpellsEachFontOnce) {
     // More fonts than are remembered for a while, each three times.
     Node root;

@@ -128,12 +128,12 @@ class Sandbox(support.ToolTest):
         """Documents and pictures behind links, lists and other folders are read in the sandbox as outside."""
         picture = '{"type":"raster","name":"r","rastername":"p","sizeem":[1,1]}'
         self.write("far/a.json", view("a", picture))
-        self.write("far/images/p.png", "\udc89PNG\r\n\x1a\n")
-        self.write("pictures/p.gif", "GIF89a and more")
+        self.write("far/images/p.png", support.PICTURES["png"])
+        self.write("pictures/p.gif", support.PICTURES["gif"])
         self.write("near/b.json", view("b", picture))
         (self.folder / "near/a.json").symlink_to("../far/a.json")
         (self.folder / "near/images").mkdir()
-        self.write("near/images/p.jpg", "\udcff\udcd8\udcff\udce0")
+        self.write("near/images/p.jpg", support.PICTURES["jpeg"])
         (self.folder / "way").symlink_to("near")
         self.write("list", "near/a.json\nway/b.json\n")
         for arguments in (["--files-from", "list"], ["near/a.json", "far", "--base", "."], ["way"],

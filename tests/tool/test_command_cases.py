@@ -35,7 +35,7 @@ class CommandCases(support.ToolTest):
         raster = support.view("r", '{"type":"raster","rastername":"p","sizeem":[1,1]}')
         words = {"$DIR": str(self.folder), "$DOCUMENTS": f"{support.SOURCE}/tests/data/documents",
                  "$SAMPLES": str(support.SAMPLES), "$VIEW": view, "$RASTER": raster, "$PNG": "\udc89PNG\r\n\x1a\n",
-                 "$LARGE": " " * 7_400_000, "$ESC": "\x1b", "$BREAK": "\n"}
+                 "$WHOLEPNG": support.PICTURES["png"], "$LARGE": " " * 7_400_000, "$ESC": "\x1b", "$BREAK": "\n"}
         for word, meaning in words.items():
             text = text.replace(word, meaning)
         return text
