@@ -44,5 +44,23 @@ constexpr PictureCase sPictures[] = {
 INSTANTIATE_TEST_SUITE_P(Samples, MigratedPicture, testing::ValuesIn(sPictures),
                          [](const auto& test) { return test.param.mName; });
 
+#ifdef KT_HAS_RENDER_MODULE
+/// Pages of PDF files and PNG pictures look like the drawings.
+TEST(MigratedPages, AreWhatTheDrawingIs) {
+    const TemporaryFolder folder;
+    const std::string command = "'" KT_TOOL "' migrate '" KT_SAMPLES_DIR
+                                "/symbols_v626.json' -q --accept all "
+                                "--background white -o '" +
+                                folder.getPath() + "' --format ";
+    kt::test::runCommand(command + "pdf && " + command + "png --dpi 96 && pdftoppm -r 96 -png -singlefile '" +
+                         folder.at("symbols_v626.json.pdf") + "' '" + folder.at("page") + "'");
+    constexpr double tolerance = 0.2;
+    for (const char* picture : {"page.png", "symbols_v626.json/001-drawing symbols.png"}) {
+        EXPECT_LE(kt::test::comparePictures(folder.at(picture), KT_SOURCE_DIR "/tests/data/svg/symbols.png"), tolerance)
+            << picture;
+    }
+}
+#endif
+
 }  // namespace
 }  // namespace ktannot::test
