@@ -25,6 +25,7 @@
 #include <new>
 #include <span>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace ktannot {
@@ -35,6 +36,8 @@ using Clock = std::chrono::steady_clock;
 
 /// Time that workers have to end the document in hand when an end is asked for.
 constexpr std::chrono::milliseconds sGrace{80};
+/// Time in which reports gather.
+constexpr std::chrono::microseconds sCollecting{500};
 /// How often limits and requests to stop are looked at.
 constexpr int sWatchMilliseconds = 20;
 /// Workers that may die in a row without a document in hand before this is given up.
@@ -190,6 +193,10 @@ private:
             if (polled[index].revents != 0) {
                 receiveFrom(indices[index]);
             }
+        }
+        // Small documents are done faster than it pays to wake up for: a pipe holds many of their reports.
+        if (getControl().mNext.load() < mBatch.mInputs.size()) {
+            std::this_thread::sleep_for(sCollecting);
         }
     }
 
