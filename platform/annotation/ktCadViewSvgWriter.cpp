@@ -113,9 +113,14 @@ void ktCadViewSvgWriter::warnOfPage() {
     char* const end =
         std::to_chars(digits.data(), digits.data() + digits.size(), kilometres, std::chars_format::general, 3).ptr;
     std::string what = "a coordinate makes the page ";
-    what.append(static_cast<const char*>(digits.data()), static_cast<const char*>(end)).append(isWide ? " km wide" : " km high").append(": nothing can be seen on it");
-    mWarnings.push_back(
-        {{svg::SvgWriter::Warning::Kind::PageTooLarge, std::move(what)}, mReachingAnnotation, mReachingName});
+    what.append(static_cast<const char*>(digits.data()), static_cast<const char*>(end))
+        .append(isWide ? " km wide" : " km high")
+        .append(": nothing can be seen on it");
+    Warning& warning = mWarnings.emplace_back();
+    warning.mKind = Warning::Kind::PageTooLarge;
+    warning.mWhat = std::move(what);
+    warning.mAnnotation = mReachingAnnotation;
+    warning.mName = mReachingName;
 }
 
 void ktCadViewSvgWriter::writeLeaders(const ktCadAnnotation& annotation) {
