@@ -99,7 +99,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ktannot::ExitCode outcome{};
     {
         ktannot::Console console;
-        ktannot::DocumentLog log;
+        ktannot::ProcessLog log;
         ktannot::Command::Channels channels{console, log};
         outcome = ktannot::CommandLine(createCommands()).run(std::move(arguments), channels);
         console.finish();
