@@ -170,7 +170,8 @@ private:
         double real = 0.0;
         if (std::from_chars(digits.data(), end, integer).ptr == end && !digits.empty()) {
             value = integer;
-        } else if (std::from_chars(digits.data(), end, real).ptr == end && !digits.empty()) {
+        } else if (const auto [last, failure] = std::from_chars(digits.data(), end, real);
+                   last == end && failure == std::errc{} && !digits.empty()) {
             value = real;
         } else {
             return false;
@@ -186,6 +187,12 @@ private:
 }  // namespace
 
 class ktJsonReader::Impl {};
+
+/// Numbers beyond double are refused here, as what cannot be read.
+const ktJsonOverflow& ktJsonReader::getOverflow() const {
+    static const ktJsonOverflow sNone{};
+    return sNone;
+}
 
 ktJsonReader::ktJsonReader() = default;
 ktJsonReader::~ktJsonReader() = default;
