@@ -71,7 +71,7 @@ private:
                 fail("the view cannot be migrated");
             }
             finish(migrated);
-            if (!read.mMessages.empty() || !mWriter.getWarnings().empty()) {
+            if (!read.mFindings.empty() || !mWriter.getWarnings().empty()) {
                 fail("the document is not all well");
             }
         }

@@ -316,7 +316,7 @@ public:
             std::vector<ktLegacy::ktVariantDocumentReader::View> views;
             kt::ktJsonError error;
             mReader.read(document->get(), views, error);
-            if (views.size() != 1 || views[0].mView == nullptr || !views[0].mMessages.empty()) {
+            if (views.size() != 1 || views[0].mView == nullptr || !views[0].mFindings.empty()) {
                 fail("the document reader refuses a document");
             }
             mViews.push_back(std::move(views[0].mView));

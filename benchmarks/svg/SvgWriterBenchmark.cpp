@@ -103,7 +103,6 @@ private:
         group->setColor("#000000");
         const Point2 corner(random(-20.0F, 20.0F), random(-20.0F, 20.0F));
         group->setTransform({{1.0F, 0.0F, 0.0F, -1.0F}, corner});
-        mNumbers.push_back(sTextSize);
         for (int index = 0; index < mTextsPerAnnotation; ++index) {
             auto text = std::make_shared<kt::svg::Text>();
             const Point2 position(random(0.0F, 40.0F), random(-30.0F, 0.0F));
@@ -179,7 +178,7 @@ std::size_t countNumbers(std::string_view file) {
     std::size_t count = 0;
     bool isInValue = false;
     char before = ' ';
-    for (const char character : file.substr(file.find("</style>"))) {
+    for (const char character : file.substr(file.rfind("</style>"))) {
         isInValue = isInValue != (character == '"');
         const bool isPart = (character >= '0' && character <= '9') || character == '-';
         // Digits of colours follow other characters than those of numbers.
