@@ -52,8 +52,7 @@ public:
     }
 
     const std::string& draw(const std::string& document) {
-        run(document,
-            [this](const kt::ktPointer<kt::ktCadAnnotationView>& view) { mWriter.write(*view, mFile); });
+        run(document, [this](const kt::ktPointer<kt::ktCadAnnotationView>& view) { mWriter.write(*view, mFile); });
         return mFile;
     }
 

@@ -47,8 +47,8 @@ struct MigrationOptions {
     Format mFormat = Format::Svg;
     double mDotsPerInch = 150.0;  ///< of PNG pictures
     Existing mExisting = Existing::Fail;
-    std::size_t mView = 0;   ///< number of the only view that is wanted of each document; 0: all are
-    bool mIsDryRun = false;  ///< do everything but write results
+    std::size_t mView = 0;    ///< number of the only view that is wanted of each document; 0: all are
+    bool mIsDryRun = false;   ///< do everything but write results
     bool mIsDurable = false;  ///< results are on the disk before they count as written
     bool mHasTextOutlines = false;
     bool mDrawsPictureBackgrounds = false;  ///< whether the black that the model has beneath pictures is drawn
