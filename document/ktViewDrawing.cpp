@@ -136,7 +136,7 @@ public:
     bool draw(const ktAnnotationView& view, Release release) {
         mWriter.begin(view.GetName());
         std::vector<std::size_t> indices;  // of the annotations that are drawn, in the view
-        const bool isDrawn = convert(view, [&](kt::ktPointer<kt::ktCadAnnotation> created, std::size_t index) {
+        const bool isDrawn = convert(view, [&](const kt::ktPointer<kt::ktCadAnnotation>& created, std::size_t index) {
             mWriter.add(*created);
             indices.push_back(index);
             release(index);

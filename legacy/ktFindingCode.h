@@ -295,7 +295,7 @@ enum class ktFindingSeverity : std::uint8_t {
 
 /// What is wrong. The value is the number of the code: InvalidColor is KT1217.
 enum class ktFindingCode : std::uint16_t {
-#define KT_FINDING_ENUMERATOR(NAME, NUMBER, SEVERITY, SENTENCE, WHEN, WHAT_TO_DO) NAME = NUMBER,
+#define KT_FINDING_ENUMERATOR(NAME, NUMBER, SEVERITY, SENTENCE, WHEN, WHAT_TO_DO) NAME = (NUMBER),
     KT_LEGACY_FINDINGS(KT_FINDING_ENUMERATOR)
 #undef KT_FINDING_ENUMERATOR
 };
