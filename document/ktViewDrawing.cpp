@@ -221,7 +221,6 @@ private:
         for (const ktAnnotationMigration::LogLine& line : lines) {
             what += (what.empty() ? "" : ": ") + line.mText;
         }
-        // A lone line about the annotation itself means that nothing else was told: there is no kind or place for it.
         const ktFindingCode cause = lines.empty() ? ktFindingCode::NoReason : lines.front().mCode;
         ktLegacyFinding finding(cause, std::move(what));
         finding.mViewName = mViewName;

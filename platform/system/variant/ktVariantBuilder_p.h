@@ -11,7 +11,6 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
-#include <span>
 #include <string_view>
 #include <vector>
 
@@ -109,10 +108,6 @@ public:
     /// The key that waits for its value.
     std::string_view getLooseKey() const {
         return reinterpret_cast<const ktVariantKey*>(mCells + mCellCount - 1)->view();
-    }
-    /// Entries of the innermost map so far, as they came.
-    std::span<const Entry> getEntries() const {
-        return {reinterpret_cast<const Entry*>(mCells + mFrames.back().mFirstCell), getElementCount()};
     }
     const ktVariant& getLastValue() const { return *reinterpret_cast<const ktVariant*>(mCells + mCellCount - 1); }
     void dropLastValue() { std::destroy_at(reinterpret_cast<ktVariant*>(mCells + --mCellCount)); }
